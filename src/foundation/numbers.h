@@ -1,0 +1,48 @@
+#pragma once
+// Numbers in text read alike on every machine: documents, tags and controller text use
+// "." as the decimal point, whatever the user's regional setting.
+
+#include <QString>
+
+namespace tallix {
+
+// The machine's separators, taken from the process locale on first use. Tests
+// replace them to run as a comma-decimal or point-decimal machine.
+struct NumberSeparators {
+    QString decimal;
+    QString thousand;
+};
+const NumberSeparators& MachineSeparators();
+void SetMachineSeparatorsForTesting(const NumberSeparators* override);
+
+class ScopedSeparators {
+public:
+    ScopedSeparators(QString decimal, QString thousand);
+    ~ScopedSeparators();
+    ScopedSeparators(const ScopedSeparators&) = delete;
+    ScopedSeparators& operator=(const ScopedSeparators&) = delete;
+
+private:
+    NumberSeparators seps_;
+};
+
+double tlxVal(const QString& text);
+QString Get_localDecimal();
+QString Get_localThousand();
+QString NumberFormatFor(double value);
+
+// The runtime's Val: the longest leading number, "." as decimal point, blanks, tabs
+// and line feeds ignored, &H and &O prefixes for hexadecimal and octal.
+double Val(const QString& text);
+
+// The runtime's conversions of text to its number types: rounding half to even,
+// failing with "Type mismatch" or "Overflow" as it does.
+short CInt(const QString& text);
+int CLng(const QString& text);
+float CSng(const QString& text);
+double CDbl(const QString& text);
+bool CBool(const QString& text);
+// CStr of a Boolean: "True" or "False".
+QString CStrBool(bool b);
+
+} // namespace tallix
