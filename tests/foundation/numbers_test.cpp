@@ -1,1 +1,82 @@
+#include "foundation/numbers.h"
+#include "foundation/vb_error.h"
+#include "support/qt_print.h"
+
 #include <gtest/gtest.h>
+
+using namespace tallix;
+
+namespace {
+
+struct ValCase {
+    const char* text;
+    double pointMachine;  // decimal ".", thousands ","
+    double commaMachine;  // decimal ",", thousands "."
+};
+
+class TlxValTest : public ::testing::TestWithParam<ValCase> {};
+
+TEST_P(TlxValTest, ReadsAlikeOnEveryMachineButForTheLocalSeparator)
+{
+    const ValCase& c = GetParam();
+    {
+        ScopedSeparators point(".", ",");
+        EXPECT_DOUBLE_EQ(tlxVal(c.text), c.pointMachine) << c.text << " on a point-decimal machine";
+    }
+    {
+        ScopedSeparators comma(",", ".");
+        EXPECT_DOUBLE_EQ(tlxVal(c.text), c.commaMachine) << c.text << " on a comma-decimal machine";
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Texts, TlxValTest,
+                         ::testing::Values(ValCase{"12%", 12, 12}, ValCase{"#5", 5, 5}, ValCase{"1 000", 1000, 1000},
+                                           ValCase{"1_000", 1000, 1000}, ValCase{"abc", 0, 0}, ValCase{"", 0, 0},
+                                           ValCase{"-3.5x", -3.5, -3.5}, ValCase{"1,5", 15, 1.5},
+                                           ValCase{"1.234,5", 1.2345, 1.234}, ValCase{"2.5", 2.5, 2.5},
+                                           ValCase{"  42 ", 42, 42}, ValCase{"1e3", 1000, 1000},
+                                           ValCase{"2e", 2, 2}, ValCase{"&H1F", 31, 31},
+                                           ValCase{"1e999", 0, 0}, ValCase{"+7", 7, 7}, ValCase{".5", 0.5, 0.5}));
+
+TEST(NumberFormatFor, GrowsGroupsWithTheWholePartAndAddsDecimals)
+{
+    ScopedSeparators point(".", ",");
+    EXPECT_EQ(NumberFormatFor(5), "##0");
+    EXPECT_EQ(NumberFormatFor(1234), "##0,###");
+    // The loop compares lengths: seven digits already fit "##0,###", which shows them all.
+    EXPECT_EQ(NumberFormatFor(1234567), "##0,###");
+    EXPECT_EQ(NumberFormatFor(12345678), "##0,###,###");
+    EXPECT_EQ(NumberFormatFor(2.5), "##0.0#########");
+}
+
+TEST(NumberFormatFor, APointAsGroupSeparatorBecomesABlank)
+{
+    ScopedSeparators comma(",", ".");
+    EXPECT_EQ(NumberFormatFor(12345.5), "##0 ###,0#########");
+}
+
+TEST(Conversions, FollowTheRuntimesRules)
+{
+    ScopedSeparators point(".", ",");
+    EXPECT_EQ(CInt("2.5"), 2);   // half to even
+    EXPECT_EQ(CInt("3.5"), 4);
+    EXPECT_EQ(CInt("True"), -1);
+    EXPECT_EQ(CLng("-7"), -7);
+    EXPECT_TRUE(CBool("-1"));
+    EXPECT_TRUE(CBool("true"));
+    EXPECT_FALSE(CBool("0"));
+    EXPECT_FALSE(CBool("False"));
+    EXPECT_THROW(CInt("abc"), VbError);
+    EXPECT_THROW(CInt(""), VbError);
+    EXPECT_THROW(CInt("40000"), VbError);
+    EXPECT_THROW(CBool("yes"), VbError);
+}
+
+TEST(Conversions, UseTheMachineDecimalSeparator)
+{
+    ScopedSeparators comma(",", ".");
+    EXPECT_FLOAT_EQ(CSng("1,5"), 1.5f);
+    EXPECT_DOUBLE_EQ(CDbl("1.000,25"), 1000.25);
+}
+
+} // namespace
