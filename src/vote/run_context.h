@@ -1,0 +1,22 @@
+#pragma once
+// What every procedure of a vote reaches: the foundation's services and the run state,
+// each value under its own name (ctx.votes, ctx.keypadUniverse, ctx.clock ...).
+
+#include "foundation/services.h"
+#include "vote/run_state.h"
+
+namespace tallix {
+
+struct RunContext : Services, RunState {
+};
+
+// Makes `votes`, `votesBackup` and `voteTimes` new at 0..keypadUniverse, filled with
+// "-1" and -1 up to keypadUniverse-1 (the last element stays empty), and clears
+// `countDownExpired`.
+void ResetVoteArrays(RunContext& ctx);
+
+// Resizes, keeping contents, the per-keypad arrays to 0..keypadUniverse, and for a
+// series vote also `seriesVotes`.
+void AllocArrays(RunContext& ctx);
+
+} // namespace tallix
