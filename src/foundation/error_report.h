@@ -74,6 +74,8 @@ R Guarded(Services& s, const char* module, const char* procedure, bool showUser,
 {
     try {
         return body();
+    } catch (const ProcessExit&) {
+        throw;
     } catch (...) {
         ReportFailure(s, std::current_exception(), QString::fromLatin1(module), QString::fromLatin1(procedure),
                       showUser);
@@ -86,6 +88,8 @@ void Guarded(Services& s, const char* module, const char* procedure, bool showUs
 {
     try {
         body();
+    } catch (const ProcessExit&) {
+        throw;
     } catch (...) {
         ReportFailure(s, std::current_exception(), QString::fromLatin1(module), QString::fromLatin1(procedure),
                       showUser);

@@ -32,6 +32,11 @@ void QtEventPump::WaitForEvents(int maxMs)
     wake_->stop();
 }
 
+void QtEventPump::Post(std::function<void()> work)
+{
+    QTimer::singleShot(0, QCoreApplication::instance(), std::move(work));
+}
+
 ManualEventPump::ManualEventPump(ManualClock& clock, qint64 maxPumps) : clock_(clock), maxPumps_(maxPumps) {}
 
 void ManualEventPump::DoEvents()
@@ -50,9 +55,24 @@ void ManualEventPump::pump(int ms)
         throw std::runtime_error("ManualEventPump: wait loop did not end");
     if (QCoreApplication::instance())
         QCoreApplication::processEvents(QEventLoop::AllEvents);
+    RunPosted();
     clock_.advanceMs(ms);
     if (hook_)
         hook_();
+}
+
+} // namespace tallix
+
+namespace tallix {
+
+void ManualEventPump::RunPosted()
+{
+    // Posted work runs on this stack, so a test sees whatever it throws.
+    while (!posted_.empty()) {
+        auto work = std::move(posted_.front());
+        posted_.erase(posted_.begin());
+        work();
+    }
 }
 
 } // namespace tallix

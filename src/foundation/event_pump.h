@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <memory>
+#include <vector>
 
 class QTimer;
 
@@ -20,6 +21,9 @@ public:
     virtual void DoEvents() = 0;
     // Inside a wait loop: block for the next event, at most maxMs, instead of spinning.
     virtual void WaitForEvents(int maxMs) = 0;
+    // Runs `work` at a later pump, outside the caller's stack: how text that arrives on
+    // a socket reaches the decoder without running inside the socket's signal.
+    virtual void Post(std::function<void()> work) = 0;
 };
 
 class QtEventPump final : public EventPump {
@@ -28,6 +32,7 @@ public:
     ~QtEventPump() override;
     void DoEvents() override;
     void WaitForEvents(int maxMs) override;
+    void Post(std::function<void()> work) override;
 
 private:
     std::unique_ptr<QTimer> wake_;
@@ -42,6 +47,9 @@ public:
     explicit ManualEventPump(ManualClock& clock, qint64 maxPumps = 10'000'000);
     void DoEvents() override;
     void WaitForEvents(int maxMs) override;
+    void Post(std::function<void()> work) override { posted_.push_back(std::move(work)); }
+    // Runs what was posted, as a pump would, without moving the clock.
+    void RunPosted();
 
     void setDoEventsStepMs(int ms) { doEventsStepMs_ = ms; }
     void setHook(std::function<void()> hook) { hook_ = std::move(hook); }
@@ -54,6 +62,7 @@ private:
     qint64 pumps_ = 0;
     int doEventsStepMs_ = 1;
     std::function<void()> hook_;
+    std::vector<std::function<void()>> posted_;
 };
 
 } // namespace tallix

@@ -8,6 +8,8 @@
 #include "logs.h"
 #include "settings_file.h"
 
+#include <functional>
+
 namespace tallix {
 
 class Clock;
@@ -24,6 +26,8 @@ struct Services {
     LogTiming logTiming;
     // `ShowErrors`: set true as the first act of Main and never cleared.
     bool ShowErrors = false;
+    // Ends the process. The program commits the deck and exits; tests throw ProcessExit.
+    std::function<void(int code)> terminator;
 };
 
 } // namespace tallix

@@ -7,7 +7,13 @@
 
 namespace tallix {
 
+class Comms;
+class VotesCastForm;
+
 struct RunContext : Services, RunState {
+    // Forms: null while not loaded.
+    Comms* comms = nullptr;
+    VotesCastForm* vCast = nullptr;
 };
 
 // Makes `votes`, `votesBackup` and `voteTimes` new at 0..keypadUniverse, filled with

@@ -9,6 +9,7 @@
 #include <QStringList>
 
 #include <memory>
+#include <random>
 
 namespace tallix {
 
@@ -73,6 +74,13 @@ struct TextPositionCell {
     double Y = 0;
 };
 
+struct Participant {
+    QString name;
+    qint32 number = 0;
+    double weighting = 1;
+    bool seen = false;
+};
+
 struct RunState {
     RunState();
     ~RunState();
@@ -95,6 +103,8 @@ struct RunState {
     short screenWidthPixels = 0;
     QStringList slideShapeNames;
     QStringList rndTextList;
+    bool rndTextsLoaded = false;
+    std::mt19937 rnd;
 
     // Settings that decide the run (from the settings document)
     short vType = 0;
@@ -227,8 +237,18 @@ struct RunState {
     short ratingVoteStarted = 0;
     bool randomFill = false;
     bool liveChartDirty = false;
+    qint32 liveLineCount = 0;
     double dynamicChartLastDraw = 0;
     float commsWaitStart = 0;
+
+    // What the controller reported of its bases
+    qint32 maxKeypads = 0;
+    qint32 numKeypads = 0;
+    bool useOffsets = false;
+    bool scrollingDisplay = false;
+    VbArray<short> baseOffsets;
+    VbArray<QString> keypadRows;   // "local number,offset,base index" per active keypad
+    QString allKeypadsText;        // every keypad of every base in use, each followed by ","
 
     // Per-keypad work arrays kept in step with `votes` by AllocArrays.
     VbArray<short> keypadWork1;
@@ -236,6 +256,7 @@ struct RunState {
     VbArray<short> keypadWork3;
 
     VbArray<VoteOption> voteOptions;
+    VbArray<Participant> participants;
 
     // Chart arrays that Main makes anew at each entry.
     VbArray<double> optionCounts;

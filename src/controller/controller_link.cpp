@@ -1,0 +1,25 @@
+#include "controller_link.h"
+
+#include "foundation/vb_error.h"
+
+#include <QStringList>
+
+namespace tallix {
+
+void RecordingControllerLink::SendCommand(const QString& text)
+{
+    if (failSends)
+        Raise(ErrNo::HostUnexpected, QStringLiteral("The controller is not running"));
+    sent.append(text);
+    if (onCommand)
+        onCommand(text);
+}
+
+void RecordingControllerLink::NotifyVoteLoaded()
+{
+    if (failSends)
+        Raise(ErrNo::HostUnexpected, QStringLiteral("The controller is not running"));
+    ++voteLoadedCount;
+}
+
+} // namespace tallix

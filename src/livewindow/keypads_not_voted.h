@@ -1,0 +1,9 @@
+#pragma once
+
+namespace tallix {
+
+struct RunContext;
+
+void RefreshKeypadsNotVoted(RunContext& ctx, bool force);
+
+} // namespace tallix

@@ -1,0 +1,22 @@
+#include "vote_close.h"
+
+#include "controller/comms.h"
+#include "foundation/error_report.h"
+#include "foundation/logs.h"
+#include "vote/run_context.h"
+
+namespace tallix {
+
+void FullShutDown(RunContext& ctx)
+{
+    Guarded(ctx, "Vote", "FullShutdown", false, [&] {
+        ctx.voteRunning = false;
+        WriteDebugLog(ctx, 0, "Finish - arg4 = " + ctx.arg4, "Vote", "FullShutDown");
+        if (ctx.arg1 != "TLXRESHOW" && ctx.comms)
+            ctx.comms->SendCommandToController("EndVote\r\nDeleteTask=Vote,Voting...");
+    });
+    if (ctx.terminator)
+        ctx.terminator(0);
+}
+
+} // namespace tallix
