@@ -265,7 +265,8 @@ void Deck::load()
     // Every internal relationship of the presentation and of its slides must land on a part.
     auto checkRels = [&](const QString& part) {
         for (const Relationship& rel : pkg_.rels(part)) {
-            if (rel.external)
+            // Hyperlinks may point inside a document rather than at a part.
+            if (rel.external || rel.type.endsWith("/hyperlink") || rel.target.startsWith('#'))
                 continue;
             const QString target = pkg_.resolve(part, rel.target);
             if (!pkg_.has(target))

@@ -27,12 +27,14 @@ public:
     QString Item(const QString& name) const override { return h->deck().tag(slideId, name); }
     void Add(const QString& name, const QString& value) override
     {
-        // A value that extends the old one is kept as an append (the saved-votes pattern).
+        // A value that extends the old one is kept as an append: the saved-votes
+        // pattern, whose first line lands on an empty tag.
         const QString old = Item(name);
         Op op;
         op.slideId = slideId;
         op.name = name;
-        if (!old.isEmpty() && value.size() > old.size() && value.startsWith(old)) {
+        const bool extends = old.isEmpty() ? value.endsWith("\r\n") : value.startsWith(old);
+        if (extends && value.size() > old.size()) {
             op.kind = Op::TagAppend;
             op.value = value.mid(old.size());
         } else {
@@ -379,15 +381,13 @@ public:
     }
     Shape* Paste() override
     {
-        Op o = addOp(Op::Paste, "Pasted", 0, 0, 0, 0);
         const Clip clip = h->clipboard();
-        const int id = h->perform(o, &clip);
+        Op o = addOp(Op::Paste, "Pasted", 0, 0, 0, 0);
         // The pasted shape keeps its name, as the host's paste does.
         pugi::xml_document doc;
-        doc.load_buffer(clip.xml.constData(), size_t(clip.xml.size()), XmlParseOptions());
-        for (pugi::xml_node n : h->deck().shapes(part()))
-            if (Deck::shapeId(n) == id)
-                return wrap(n);
+        if (doc.load_buffer(clip.xml.constData(), size_t(clip.xml.size()), XmlParseOptions()))
+            o.name = Deck::shapeName(doc.document_element().first_child());
+        const int id = h->perform(o, &clip);
         return wrap(o.name, id);
     }
 

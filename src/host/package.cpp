@@ -86,12 +86,14 @@ Package Package::fromFile(const QString& path, const PackageLimits& limits)
 
 Package Package::fromZip(const QByteArray& zip, const PackageLimits& limits)
 {
+    if (!zip.startsWith("PK"))
+        throw PackageError(QStringLiteral("not a presentation: not a zip file"));
     zip_error_t error;
     zip_error_init(&error);
     zip_source_t* source = zip_source_buffer_create(zip.constData(), zip_uint64_t(zip.size()), 0, &error);
     if (!source)
         throw PackageError(QStringLiteral("not a zip file (%1)").arg(zipErrorText(&error)));
-    zip_t* archive = zip_open_from_source(source, ZIP_RDONLY | ZIP_CHECKCONS, &error);
+    zip_t* archive = zip_open_from_source(source, ZIP_RDONLY, &error);
     if (!archive) {
         zip_source_free(source);
         const QString reason = zipErrorText(&error);

@@ -148,9 +148,9 @@ bool PptxHost::Commit(int waitMs)
     return true;
 }
 
-QString PptxHost::Detach()
+QString PptxHost::Detach(int waitMs)
 {
-    if (Commit(10000))
+    if (Commit(waitMs))
         return {};
     // Nothing is lost: the whole model goes beside the deck for the presenter to pick up.
     const QFileInfo info(path_);

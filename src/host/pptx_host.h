@@ -25,7 +25,7 @@ public:
     bool Commit(int waitMs = -1);
     // The end of the process: commit waiting up to 10 s, else keep the model beside
     // the deck as <name>.unsaved-<pid>.pptx. Returns that file's path, or "".
-    QString Detach();
+    QString Detach(int waitMs = 10000);
     // Takes in another process's committed changes, making ours again on them.
     bool ReloadIfChanged();
 
