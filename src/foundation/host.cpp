@@ -1,0 +1,19 @@
+#include "host.h"
+
+namespace tallix::host {
+
+QString ShapeKindName(ShapeKind kind)
+{
+    switch (kind) {
+    case ShapeKind::Text: return QStringLiteral("text");
+    case ShapeKind::Picture: return QStringLiteral("picture");
+    case ShapeKind::Group: return QStringLiteral("group");
+    case ShapeKind::Table: return QStringLiteral("table");
+    case ShapeKind::Graphic: return QStringLiteral("graphic");
+    case ShapeKind::Connector: return QStringLiteral("connector");
+    case ShapeKind::Other: break;
+    }
+    return QStringLiteral("other");
+}
+
+} // namespace tallix::host

@@ -1,0 +1,1342 @@
+#include "deck.h"
+#include "templates.h"
+
+#include "foundation/host.h"
+#include "foundation/vb_error.h"
+
+#include <QFileInfo>
+#include <QSet>
+#include <cmath>
+
+namespace tallix::host {
+
+namespace {
+
+constexpr double kEmuPerPoint = 12700.0;
+
+QString str(const pugi::char_t* s) { return QString::fromUtf8(s); }
+QByteArray utf8(const QString& s) { return s.toUtf8(); }
+
+qint64 emu(double points) { return qint64(std::llround(points * kEmuPerPoint)); }
+
+const QString kPresentationMain = QStringLiteral("presentationml");
+
+// The prefix a document binds to a namespace; declared on the root when missing.
+QByteArray prefixFor(pugi::xml_node anyNode, const char* uri, const char* preferred)
+{
+    pugi::xml_node root;
+    for (pugi::xml_node c : anyNode.root().children())
+        if (c.type() == pugi::node_element)
+            root = c;
+    for (pugi::xml_attribute a : root.attributes()) {
+        const QByteArray name = a.name();
+        if (QByteArray(a.value()) == uri) {
+            if (name == "xmlns")
+                return {};
+            if (name.startsWith("xmlns:"))
+                return name.mid(6) + ':';
+        }
+    }
+    root.append_attribute((QByteArray("xmlns:") + preferred).constData()) = uri;
+    return QByteArray(preferred) + ':';
+}
+
+QByteArray P(pugi::xml_node n, const char* local) { return prefixFor(n, Ns::P, "p") + local; }
+QByteArray A(pugi::xml_node n, const char* local) { return prefixFor(n, Ns::A, "a") + local; }
+QByteArray R(pugi::xml_node n, const char* local) { return prefixFor(n, Ns::R, "r") + local; }
+
+// Attribute in the relationships namespace, whatever its prefix.
+pugi::xml_attribute relAttr(pugi::xml_node n, const char* local)
+{
+    return n.attribute(R(n, local).constData());
+}
+
+bool isShapeElement(const QString& local)
+{
+    return local == "sp" || local == "pic" || local == "grpSp" || local == "graphicFrame" ||
+           local == "cxnSp" || local == "contentPart" || local == "AlternateContent";
+}
+
+// The shape an mc:AlternateContent stands for: its first choice.
+pugi::xml_node effective(pugi::xml_node shape)
+{
+    if (LocalName(shape) != "AlternateContent")
+        return shape;
+    for (pugi::xml_node branch : shape.children()) {
+        if (branch.type() != pugi::node_element)
+            continue;
+        for (pugi::xml_node c : branch.children())
+            if (c.type() == pugi::node_element)
+                return c;
+    }
+    return shape;
+}
+
+pugi::xml_node nvProps(pugi::xml_node shape)
+{
+    shape = effective(shape);
+    for (pugi::xml_node c : shape.children())
+        if (c.type() == pugi::node_element && LocalName(c).startsWith("nv"))
+            return c;
+    return {};
+}
+
+pugi::xml_node cNvPr(pugi::xml_node shape) { return Child(nvProps(shape), "cNvPr"); }
+
+pugi::xml_node xfrmOf(pugi::xml_node shape)
+{
+    shape = effective(shape);
+    const QString local = LocalName(shape);
+    if (local == "graphicFrame")
+        return Child(shape, "xfrm");
+    if (local == "grpSp")
+        return Child(Child(shape, "grpSpPr"), "xfrm");
+    return Child(Child(shape, "spPr"), "xfrm");
+}
+
+pugi::xml_node phOf(pugi::xml_node shape) { return Child(Child(nvProps(shape), "nvPr"), "ph"); }
+
+void collectIds(pugi::xml_node node, QSet<int>& ids)
+{
+    for (pugi::xml_node c : node.children()) {
+        if (c.type() != pugi::node_element)
+            continue;
+        if (LocalName(c) == "cNvPr")
+            ids.insert(c.attribute("id").as_int());
+        collectIds(c, ids);
+    }
+}
+
+void collectRelIds(pugi::xml_node node, QStringList& out)
+{
+    const QByteArray rPrefix = prefixFor(node, Ns::R, "r");
+    std::function<void(pugi::xml_node)> walk = [&](pugi::xml_node n) {
+        for (pugi::xml_attribute a : n.attributes())
+            if (QByteArray(a.name()).startsWith(rPrefix))
+                out << str(a.value());
+        for (pugi::xml_node c : n.children())
+            if (c.type() == pugi::node_element)
+                walk(c);
+    };
+    walk(node);
+}
+
+bool usesRelId(pugi::xml_node node, const QByteArray& rPrefix, const QByteArray& rid)
+{
+    for (pugi::xml_attribute a : node.attributes())
+        if (QByteArray(a.name()).startsWith(rPrefix) && rid == a.value())
+            return true;
+    for (pugi::xml_node c : node.children())
+        if (c.type() == pugi::node_element && usesRelId(c, rPrefix, rid))
+            return true;
+    return false;
+}
+
+const QStringList kPresentationOrder{
+    "sldMasterIdLst", "notesMasterIdLst", "handoutMasterIdLst", "sldIdLst", "sldSz", "notesSz",
+    "smartTags", "embeddedFontLst", "custShowLst", "photoAlbum", "custDataLst", "kinsoku",
+    "defaultTextStyle", "modifyVerifier", "extLst"};
+const QStringList kCSldOrder{"bg", "spTree", "custDataLst", "controls", "extLst"};
+const QStringList kSpPrOrder{"xfrm", "custGeom", "prstGeom", "noFill", "solidFill", "gradFill",
+                             "blipFill", "pattFill", "grpFill", "ln", "effectLst", "effectDag",
+                             "scene3d", "sp3d", "extLst"};
+const QStringList kCNvPrOrder{"hlinkClick", "hlinkHover", "extLst"};
+
+QString contentTypeForExtension(const QString& ext)
+{
+    const QString e = ext.toLower();
+    if (e == "png") return "image/png";
+    if (e == "jpg" || e == "jpeg") return "image/jpeg";
+    if (e == "gif") return "image/gif";
+    if (e == "bmp") return "image/bmp";
+    if (e == "emf") return "image/x-emf";
+    if (e == "wmf") return "image/x-wmf";
+    if (e == "svg") return "image/svg+xml";
+    if (e == "eps") return "application/postscript";
+    if (e == "pcx") return "image/x-pcx";
+    if (e == "tif" || e == "tiff") return "image/tiff";
+    return "application/octet-stream";
+}
+
+// The picture's own size in points, from its header; 0x0 when unknown.
+QSizeF nativeSize(const QByteArray& d, const QString& ext)
+{
+    auto be32 = [&](int at) {
+        return (quint32(uchar(d[at])) << 24) | (quint32(uchar(d[at + 1])) << 16) |
+               (quint32(uchar(d[at + 2])) << 8) | quint32(uchar(d[at + 3]));
+    };
+    auto le32 = [&](int at) {
+        return qint32(quint32(uchar(d[at])) | (quint32(uchar(d[at + 1])) << 8) |
+                      (quint32(uchar(d[at + 2])) << 16) | (quint32(uchar(d[at + 3])) << 24));
+    };
+    const QString e = ext.toLower();
+    if (e == "png" && d.size() >= 24 && d.startsWith("\x89PNG"))
+        return QSizeF(be32(16) * 0.75, be32(20) * 0.75); // 96 pixels per inch
+    if (e == "bmp" && d.size() >= 26 && d.startsWith("BM"))
+        return QSizeF(le32(18) * 0.75, std::abs(le32(22)) * 0.75);
+    if (e == "gif" && d.size() >= 10 && d.startsWith("GIF"))
+        return QSizeF((uchar(d[6]) | (uchar(d[7]) << 8)) * 0.75, (uchar(d[8]) | (uchar(d[9]) << 8)) * 0.75);
+    if (e == "emf" && d.size() >= 40 && le32(0) == 1) {
+        // rclFrame in hundredths of a millimetre.
+        const double w = (le32(32) - le32(24)) / 100.0 / 25.4 * 72.0;
+        const double h = (le32(36) - le32(28)) / 100.0 / 25.4 * 72.0;
+        return QSizeF(w, h);
+    }
+    return {};
+}
+
+[[noreturn]] void notFound(const QString& what)
+{
+    Raise(ErrNo::ItemNotFound,
+          QStringLiteral("The item with the specified name wasn't found: %1").arg(what));
+}
+
+QString escapeXml(const QString& s) { return s.toHtmlEscaped(); }
+
+} // namespace
+
+QString LocalName(pugi::xml_node node)
+{
+    const QString name = str(node.name());
+    const int colon = name.indexOf(':');
+    return colon < 0 ? name : name.mid(colon + 1);
+}
+
+pugi::xml_node Child(pugi::xml_node node, const char* local)
+{
+    if (!node)
+        return {};
+    const QString want = QString::fromLatin1(local);
+    for (pugi::xml_node c : node.children())
+        if (c.type() == pugi::node_element && LocalName(c) == want)
+            return c;
+    return {};
+}
+
+pugi::xml_node InsertInOrder(pugi::xml_node parent, const char* qname, const QStringList& order)
+{
+    QString local = QString::fromLatin1(qname);
+    local = local.mid(local.indexOf(':') + 1);
+    const int mine = order.indexOf(local);
+    for (pugi::xml_node c : parent.children()) {
+        if (c.type() != pugi::node_element)
+            continue;
+        const int theirs = order.indexOf(LocalName(c));
+        if (theirs > mine)
+            return parent.insert_child_before(qname, c);
+    }
+    return parent.append_child(qname);
+}
+
+// ---- opening ----
+
+Deck Deck::fromFile(const QString& path, const PackageLimits& limits)
+{
+    try {
+        return open(Package::fromFile(path, limits));
+    } catch (const PackageError& e) {
+        if (e.message().contains(path))
+            throw;
+        throw PackageError(QStringLiteral("%1: %2").arg(path, e.message()));
+    }
+}
+
+Deck Deck::open(Package package)
+{
+    Deck deck;
+    deck.pkg_ = std::move(package);
+    deck.load();
+    return deck;
+}
+
+void Deck::load()
+{
+    for (const Relationship& rel : pkg_.rels(QString()))
+        if (rel.type == Rel::OfficeDocument)
+            presentationPart_ = pkg_.resolve(QString(), rel.target);
+    if (presentationPart_.isEmpty() || !pkg_.contentType(presentationPart_).contains(kPresentationMain))
+        throw PackageError(QStringLiteral("not a presentation: the package holds no presentationml document"));
+    if (!pkg_.has(presentationPart_))
+        throw PackageError(QStringLiteral("the package points to the missing part %1").arg(presentationPart_));
+    pugi::xml_node root = pkg_.xml(presentationPart_).document_element();
+    if (LocalName(root) != "presentation")
+        throw PackageError(QStringLiteral("%1 is not a presentation").arg(presentationPart_));
+
+    // Every internal relationship of the presentation and of its slides must land on a part.
+    auto checkRels = [&](const QString& part) {
+        for (const Relationship& rel : pkg_.rels(part)) {
+            // Hyperlinks may point inside a document rather than at a part.
+            if (rel.external || rel.type.endsWith("/hyperlink") || rel.target.startsWith('#'))
+                continue;
+            const QString target = pkg_.resolve(part, rel.target);
+            if (!pkg_.has(target))
+                throw PackageError(QStringLiteral("relationship %1 of %2 points to the missing part %3")
+                                       .arg(rel.id, part, target));
+        }
+    };
+    checkRels(presentationPart_);
+
+    slides_.clear();
+    for (pugi::xml_node id : Child(root, "sldIdLst").children()) {
+        if (id.type() != pugi::node_element)
+            continue;
+        const QString rid = str(relAttr(id, "id").value());
+        const QString part = pkg_.target(presentationPart_, rid);
+        if (part.isEmpty() || !pkg_.has(part))
+            throw PackageError(QStringLiteral("slide %1 points to a missing part").arg(slides_.size() + 1));
+        pugi::xml_node sld = pkg_.xml(part).document_element();
+        if (LocalName(sld) != "sld" || !Child(Child(sld, "cSld"), "spTree"))
+            throw PackageError(QStringLiteral("%1 is not a slide").arg(part));
+        checkRels(part);
+        slides_.append({id.attribute("id").as_llong(), part});
+    }
+    pugi::xml_node size = Child(root, "sldSz");
+    if (size) {
+        slideWidthPt_ = size.attribute("cx").as_llong() / kEmuPerPoint;
+        slideHeightPt_ = size.attribute("cy").as_llong() / kEmuPerPoint;
+    }
+}
+
+qint64 Deck::slideIdAt(int index) const
+{
+    return index >= 1 && index <= slides_.size() ? slides_[index - 1].id : 0;
+}
+
+int Deck::slideIndexOf(qint64 id) const
+{
+    for (int i = 0; i < slides_.size(); ++i)
+        if (slides_[i].id == id)
+            return i + 1;
+    return 0;
+}
+
+QString Deck::slidePart(qint64 id) const
+{
+    for (const SlideEntry& s : slides_)
+        if (s.id == id)
+            return s.part;
+    Raise(ErrNo::HostUnexpected, QStringLiteral("Slide (unknown member) : Object does not exist (slide id %1)").arg(id));
+}
+
+QString Deck::slideName(qint64 id)
+{
+    const QString name = str(Child(pkg_.xml(slidePart(id)).document_element(), "cSld").attribute("name").value());
+    return name.isEmpty() ? QStringLiteral("Slide%1").arg(id) : name;
+}
+
+QString Deck::ownerPart(qint64 slideId) const { return slideId ? slidePart(slideId) : presentationPart_; }
+
+// ---- shapes ----
+
+QList<pugi::xml_node> Deck::shapes(const QString& part)
+{
+    QList<pugi::xml_node> out;
+    pugi::xml_node tree = Child(Child(pkg_.xml(part).document_element(), "cSld"), "spTree");
+    for (pugi::xml_node c : tree.children())
+        if (c.type() == pugi::node_element && isShapeElement(LocalName(c)))
+            out << c;
+    return out;
+}
+
+pugi::xml_node Deck::findShape(const QString& part, const QString& name, int idHint)
+{
+    pugi::xml_node first;
+    for (pugi::xml_node s : shapes(part)) {
+        if (shapeName(s) != name)
+            continue;
+        if (!idHint || shapeId(s) == idHint)
+            return s;
+        if (!first)
+            first = s;
+    }
+    return first;
+}
+
+QString Deck::shapeName(pugi::xml_node shape) { return str(cNvPr(shape).attribute("name").value()); }
+int Deck::shapeId(pugi::xml_node shape) { return cNvPr(shape).attribute("id").as_int(); }
+bool Deck::shapeHidden(pugi::xml_node shape) { return cNvPr(shape).attribute("hidden").as_bool(); }
+
+QString Deck::kindName(pugi::xml_node shape)
+{
+    shape = effective(shape);
+    const QString local = LocalName(shape);
+    if (local == "pic") return ShapeKindName(ShapeKind::Picture);
+    if (local == "grpSp") return ShapeKindName(ShapeKind::Group);
+    if (local == "cxnSp") return ShapeKindName(ShapeKind::Connector);
+    if (local == "graphicFrame")
+        return ShapeKindName(table(shape) ? ShapeKind::Table : ShapeKind::Graphic);
+    if (local == "sp" && textBody(shape)) return ShapeKindName(ShapeKind::Text);
+    return ShapeKindName(ShapeKind::Other);
+}
+
+QString Deck::layoutOf(const QString& part)
+{
+    for (const Relationship& rel : pkg_.rels(part))
+        if (rel.type == Rel::SlideLayout || rel.type == Rel::NotesMaster)
+            return pkg_.resolve(part, rel.target);
+    return {};
+}
+
+QString Deck::masterOf(const QString& part)
+{
+    for (const Relationship& rel : pkg_.rels(part))
+        if (rel.type == Rel::SlideMaster)
+            return pkg_.resolve(part, rel.target);
+    return {};
+}
+
+QString Deck::themeOf()
+{
+    pugi::xml_node first = Child(Child(pkg_.xml(presentationPart_).document_element(), "sldMasterIdLst"), "sldMasterId");
+    const QString master = pkg_.target(presentationPart_, str(relAttr(first, "id").value()));
+    if (master.isEmpty())
+        return {};
+    for (const Relationship& rel : pkg_.rels(master))
+        if (rel.type == Rel::Theme)
+            return pkg_.resolve(master, rel.target);
+    return {};
+}
+
+// The placeholder on the layout (level 1) or master (level 2) that a slide's
+// placeholder takes its position and text style from.
+pugi::xml_node Deck::inheritedPlaceholder(const QString& part, pugi::xml_node shape, int level)
+{
+    pugi::xml_node ph = phOf(shape);
+    if (!ph)
+        return {};
+    QString source = layoutOf(part);
+    if (level == 2 && !source.isEmpty())
+        source = masterOf(source);
+    if (source.isEmpty() || !pkg_.has(source))
+        return {};
+    const QString type = ph.attribute("type") ? str(ph.attribute("type").value()) : QStringLiteral("obj");
+    const QString idx = str(ph.attribute("idx").value());
+    auto masterType = [](const QString& t) {
+        if (t == "ctrTitle" || t == "title") return QStringLiteral("title");
+        if (t == "subTitle" || t == "obj" || t == "body") return QStringLiteral("body");
+        return t;
+    };
+    pugi::xml_node byType;
+    for (pugi::xml_node s : shapes(source)) {
+        pugi::xml_node sph = phOf(s);
+        if (!sph)
+            continue;
+        const QString stype = sph.attribute("type") ? str(sph.attribute("type").value()) : QStringLiteral("obj");
+        if (level == 1 && !idx.isEmpty() && idx != "0" && str(sph.attribute("idx").value()) == idx)
+            return s;
+        if (!byType && (level == 1 ? stype == type : masterType(stype) == masterType(type)))
+            byType = s;
+    }
+    return byType;
+}
+
+QRectF Deck::geometry(const QString& part, pugi::xml_node shape)
+{
+    pugi::xml_node x = xfrmOf(shape);
+    if (!Child(x, "off")) {
+        for (int level = 1; level <= 2 && !Child(x, "off"); ++level) {
+            pugi::xml_node inherited = inheritedPlaceholder(part, shape, level);
+            if (inherited)
+                x = xfrmOf(inherited);
+        }
+    }
+    pugi::xml_node off = Child(x, "off"), ext = Child(x, "ext");
+    return QRectF(off.attribute("x").as_llong() / kEmuPerPoint, off.attribute("y").as_llong() / kEmuPerPoint,
+                  ext.attribute("cx").as_llong() / kEmuPerPoint, ext.attribute("cy").as_llong() / kEmuPerPoint);
+}
+
+pugi::xml_node Deck::textBody(pugi::xml_node shape) { return Child(effective(shape), "txBody"); }
+
+pugi::xml_node Deck::table(pugi::xml_node shape)
+{
+    shape = effective(shape);
+    if (LocalName(shape) != "graphicFrame")
+        return {};
+    return Child(Child(Child(shape, "graphic"), "graphicData"), "tbl");
+}
+
+pugi::xml_node Deck::tableCellBody(pugi::xml_node shape, int row, int column)
+{
+    int r = 0;
+    for (pugi::xml_node tr : table(shape).children()) {
+        if (LocalName(tr) != "tr" || ++r != row)
+            continue;
+        int c = 0;
+        for (pugi::xml_node tc : tr.children())
+            if (LocalName(tc) == "tc" && ++c == column)
+                return Child(tc, "txBody");
+    }
+    return {};
+}
+
+QStringList Deck::paragraphs(pugi::xml_node txBody)
+{
+    QStringList out;
+    for (pugi::xml_node p : txBody.children()) {
+        if (LocalName(p) != "p")
+            continue;
+        QString text;
+        for (pugi::xml_node r : p.children()) {
+            const QString local = LocalName(r);
+            if (local == "r" || local == "fld")
+                text += str(Child(r, "t").text().get());
+            else if (local == "br")
+                text += QChar(11); // the host's line break inside a paragraph
+        }
+        out << text;
+    }
+    return out;
+}
+
+int Deck::alignment(pugi::xml_node txBody)
+{
+    const QString algn = str(Child(Child(txBody, "p"), "pPr").attribute("algn").value());
+    if (algn == "ctr") return 2;
+    if (algn == "r") return 3;
+    if (algn == "just") return 4;
+    return 1;
+}
+
+Font Deck::font(const QString& part, pugi::xml_node shape, pugi::xml_node txBody)
+{
+    // Each property comes from the nearest level that sets it: the run, the shape's
+    // list style, the layout's and master's placeholder, the master's text styles.
+    QList<pugi::xml_node> chain;
+    pugi::xml_node p = Child(txBody, "p");
+    if (pugi::xml_node r = Child(p, "r"))
+        chain << Child(r, "rPr");
+    chain << Child(p, "endParaRPr");
+    chain << Child(Child(Child(txBody, "lstStyle"), "lvl1pPr"), "defRPr");
+    QString style = QStringLiteral("otherStyle");
+    if (pugi::xml_node ph = phOf(shape)) {
+        const QString type = str(ph.attribute("type").value());
+        style = (type == "title" || type == "ctrTitle") ? "titleStyle"
+                : (type.isEmpty() || type == "body" || type == "obj" || type == "subTitle") ? "bodyStyle"
+                                                                                           : "otherStyle";
+        for (int level = 1; level <= 2; ++level)
+            if (pugi::xml_node inherited = inheritedPlaceholder(part, shape, level))
+                chain << Child(Child(Child(textBody(inherited), "lstStyle"), "lvl1pPr"), "defRPr");
+    }
+    const QString master = masterOf(layoutOf(part));
+    if (!master.isEmpty() && pkg_.has(master))
+        chain << Child(Child(Child(Child(pkg_.xml(master).document_element(), "txStyles"),
+                                   style.toLatin1().constData()), "lvl1pPr"), "defRPr");
+    chain << Child(Child(Child(pkg_.xml(presentationPart_).document_element(), "defaultTextStyle"), "lvl1pPr"), "defRPr");
+
+    Font f;
+    bool size = false, bold = false, italic = false, underline = false, name = false, colour = false;
+    for (pugi::xml_node rPr : chain) {
+        if (!rPr)
+            continue;
+        if (!size && rPr.attribute("sz")) { f.Size = rPr.attribute("sz").as_int() / 100.0; size = true; }
+        if (!bold && rPr.attribute("b")) { f.Bold = rPr.attribute("b").as_bool(); bold = true; }
+        if (!italic && rPr.attribute("i")) { f.Italic = rPr.attribute("i").as_bool(); italic = true; }
+        if (!underline && rPr.attribute("u")) { f.Underline = str(rPr.attribute("u").value()) != "none"; underline = true; }
+        if (!name && Child(rPr, "latin")) { f.Name = str(Child(rPr, "latin").attribute("typeface").value()); name = true; }
+        if (!colour && Child(rPr, "solidFill")) {
+            pugi::xml_node fill = Child(rPr, "solidFill");
+            if (pugi::xml_node srgb = Child(fill, "srgbClr")) {
+                const uint rgb = str(srgb.attribute("val").value()).toUInt(nullptr, 16);
+                f.Color = long(((rgb & 0xFF) << 16) | (rgb & 0xFF00) | ((rgb >> 16) & 0xFF));
+                colour = true;
+            } else if (pugi::xml_node scheme = Child(fill, "schemeClr")) {
+                static const QMap<QString, int> index{{"dk1", 1}, {"tx1", 1}, {"lt1", 2}, {"bg1", 2},
+                                                      {"dk2", 3}, {"tx2", 3}, {"lt2", 4}, {"bg2", 4},
+                                                      {"accent1", 5}, {"accent2", 6}, {"accent3", 7},
+                                                      {"accent4", 8}, {"accent5", 9}, {"accent6", 10},
+                                                      {"hlink", 11}, {"folHlink", 12}};
+                f.Color = themeColor(index.value(str(scheme.attribute("val").value()), 1));
+                colour = true;
+            }
+        }
+    }
+    // Theme font references name the theme's major or minor font.
+    if (f.Name.startsWith('+')) {
+        const QString theme = themeOf();
+        if (!theme.isEmpty() && pkg_.has(theme)) {
+            pugi::xml_node fonts = Child(Child(pkg_.xml(theme).document_element(), "themeElements"), "fontScheme");
+            pugi::xml_node which = Child(fonts, f.Name.startsWith("+mj") ? "majorFont" : "minorFont");
+            f.Name = str(Child(which, "latin").attribute("typeface").value());
+        }
+    }
+    return f;
+}
+
+int Deck::placeholderType(pugi::xml_node shape)
+{
+    pugi::xml_node ph = phOf(shape);
+    if (!ph)
+        return PlaceholderType::None;
+    static const QMap<QString, int> types{
+        {"title", PlaceholderType::Title}, {"body", PlaceholderType::Body},
+        {"ctrTitle", PlaceholderType::CenterTitle}, {"subTitle", PlaceholderType::Subtitle},
+        {"obj", PlaceholderType::Object}, {"chart", PlaceholderType::Chart},
+        {"clipArt", PlaceholderType::Bitmap}, {"media", PlaceholderType::MediaClip},
+        {"dgm", PlaceholderType::OrgChart}, {"tbl", PlaceholderType::Table},
+        {"sldNum", PlaceholderType::SlideNumber}, {"hdr", PlaceholderType::Header},
+        {"ftr", PlaceholderType::Footer}, {"dt", PlaceholderType::Date},
+        {"pic", PlaceholderType::Picture}};
+    if (!ph.attribute("type"))
+        return PlaceholderType::Object;
+    return types.value(str(ph.attribute("type").value()), PlaceholderType::None);
+}
+
+int Deck::autoShapeType(pugi::xml_node shape)
+{
+    shape = effective(shape);
+    if (LocalName(shape) != "sp")
+        return AutoShape::Mixed;
+    if (phOf(shape))
+        return AutoShape::Rectangle;
+    const QString prst = str(Child(Child(shape, "spPr"), "prstGeom").attribute("prst").value());
+    if (prst == "rect") return AutoShape::Rectangle;
+    if (prst == "roundRect") return AutoShape::RoundedRectangle;
+    if (prst == "ellipse") return AutoShape::Oval;
+    return prst.isEmpty() ? AutoShape::Mixed : 0;
+}
+
+bool Deck::lockAspect(pugi::xml_node shape)
+{
+    for (pugi::xml_node c : nvProps(shape).children())
+        if (LocalName(c).startsWith("cNv") && LocalName(c) != "cNvPr")
+            for (pugi::xml_node lock : c.children())
+                if (LocalName(lock).endsWith("Locks"))
+                    return lock.attribute("noChangeAspect").as_bool();
+    return false;
+}
+
+bool Deck::animated(const QString& part, pugi::xml_node shape)
+{
+    const QByteArray id = QByteArray::number(shapeId(shape));
+    pugi::xml_node timing = Child(pkg_.xml(part).document_element(), "timing");
+    bool found = false;
+    std::function<void(pugi::xml_node)> walk = [&](pugi::xml_node n) {
+        for (pugi::xml_node c : n.children()) {
+            if (found || c.type() != pugi::node_element)
+                continue;
+            if (LocalName(c) == "spTgt" && id == c.attribute("spid").value())
+                found = true;
+            walk(c);
+        }
+    };
+    walk(timing);
+    return found;
+}
+
+int Deck::mainSequenceCount(qint64 id)
+{
+    int count = 0;
+    pugi::xml_node timing = Child(pkg_.xml(slidePart(id)).document_element(), "timing");
+    std::function<void(pugi::xml_node)> walk = [&](pugi::xml_node n) {
+        for (pugi::xml_node c : n.children()) {
+            if (c.type() != pugi::node_element)
+                continue;
+            if (LocalName(c) == "cTn" && c.attribute("presetClass"))
+                ++count;
+            walk(c);
+        }
+    };
+    std::function<void(pugi::xml_node)> find = [&](pugi::xml_node n) {
+        for (pugi::xml_node c : n.children()) {
+            if (c.type() != pugi::node_element)
+                continue;
+            if (LocalName(c) == "cTn" && str(c.attribute("nodeType").value()) == "mainSeq")
+                walk(c);
+            else
+                find(c);
+        }
+    };
+    find(timing);
+    return count;
+}
+
+int Deck::interactiveSequenceCount(qint64 id)
+{
+    int count = 0;
+    pugi::xml_node timing = Child(pkg_.xml(slidePart(id)).document_element(), "timing");
+    std::function<void(pugi::xml_node)> walk = [&](pugi::xml_node n) {
+        for (pugi::xml_node c : n.children()) {
+            if (c.type() != pugi::node_element)
+                continue;
+            if (LocalName(c) == "cTn" && str(c.attribute("nodeType").value()) == "interactiveSeq")
+                ++count;
+            walk(c);
+        }
+    };
+    walk(timing);
+    return count;
+}
+
+// ---- tags ----
+
+pugi::xml_node Deck::tagList(qint64 slideId, bool create, QString* tagPart)
+{
+    const QString owner = ownerPart(slideId);
+    pugi::xml_node root = pkg_.xml(owner).document_element();
+    pugi::xml_node parent = slideId ? Child(root, "cSld") : root;
+    pugi::xml_node list = Child(parent, "custDataLst");
+    pugi::xml_node tags = Child(list, "tags");
+    QString part = tags ? pkg_.target(owner, str(relAttr(tags, "id").value())) : QString();
+    if (!part.isEmpty() && pkg_.has(part)) {
+        *tagPart = part;
+        return pkg_.xml(part).document_element();
+    }
+    if (!create)
+        return {};
+    part = pkg_.freeName(QStringLiteral("ppt/tags/tag%1.xml"));
+    pkg_.setXml(part, QByteArray("<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\r\n"
+                                 "<p:tagLst xmlns:a=\"") + Ns::A + "\" xmlns:r=\"" + Ns::R +
+                          "\" xmlns:p=\"" + Ns::P + "\"/>");
+    pkg_.setOverride(part, QStringLiteral("application/vnd.openxmlformats-officedocument.presentationml.tags+xml"));
+    const QString rid = pkg_.addRel(owner, Rel::Tags, part);
+    if (!list)
+        list = InsertInOrder(parent, P(root, "custDataLst").constData(), slideId ? kCSldOrder : kPresentationOrder);
+    if (!tags)
+        tags = list.append_child(P(root, "tags").constData()); // tags come last in the list
+    if (relAttr(tags, "id"))
+        relAttr(tags, "id") = utf8(rid).constData();
+    else
+        tags.append_attribute(R(root, "id").constData()) = utf8(rid).constData();
+    pkg_.touch(owner);
+    *tagPart = part;
+    return pkg_.xml(part).document_element();
+}
+
+QList<QPair<QString, QString>> Deck::tags(qint64 slideId)
+{
+    QList<QPair<QString, QString>> out;
+    QString part;
+    pugi::xml_node list = tagList(slideId, false, &part);
+    for (pugi::xml_node t : list.children())
+        if (LocalName(t) == "tag")
+            out.append({str(t.attribute("name").value()), str(t.attribute("val").value())});
+    return out;
+}
+
+QString Deck::tag(qint64 slideId, const QString& name)
+{
+    for (const auto& [n, v] : tags(slideId))
+        if (n.compare(name, Qt::CaseInsensitive) == 0)
+            return v;
+    return {};
+}
+
+long Deck::themeColor(int index)
+{
+    static const char* names[] = {"dk1", "lt1", "dk2", "lt2", "accent1", "accent2", "accent3",
+                                  "accent4", "accent5", "accent6", "hlink", "folHlink"};
+    if (index < 1 || index > 12)
+        Raise(ErrNo::InvalidProcedureCall, QStringLiteral("The index into the specified collection is out of bounds."));
+    const QString theme = themeOf();
+    if (theme.isEmpty() || !pkg_.has(theme))
+        return 0;
+    pugi::xml_node scheme = Child(Child(pkg_.xml(theme).document_element(), "themeElements"), "clrScheme");
+    pugi::xml_node c = Child(scheme, names[index - 1]);
+    QString hex;
+    if (pugi::xml_node srgb = Child(c, "srgbClr"))
+        hex = str(srgb.attribute("val").value());
+    else if (pugi::xml_node sys = Child(c, "sysClr"))
+        hex = str(sys.attribute("lastClr").value());
+    const uint rgb = hex.toUInt(nullptr, 16);
+    return long(((rgb & 0xFF) << 16) | (rgb & 0xFF00) | ((rgb >> 16) & 0xFF));
+}
+
+// ---- notes ----
+
+QString Deck::notesPart(qint64 id, bool create)
+{
+    const QString slide = slidePart(id);
+    for (const Relationship& rel : pkg_.rels(slide))
+        if (rel.type == Rel::NotesSlide)
+            return pkg_.resolve(slide, rel.target);
+    if (!create)
+        return {};
+    pugi::xml_node pres = pkg_.xml(presentationPart_).document_element();
+    QString master;
+    if (pugi::xml_node nm = Child(Child(pres, "notesMasterIdLst"), "notesMasterId"))
+        master = pkg_.target(presentationPart_, str(relAttr(nm, "id").value()));
+    if (master.isEmpty()) {
+        master = pkg_.freeName(QStringLiteral("ppt/notesMasters/notesMaster%1.xml"));
+        pkg_.setXml(master, kNotesMasterXml);
+        pkg_.setOverride(master, "application/vnd.openxmlformats-officedocument.presentationml.notesMaster+xml");
+        const QString theme = pkg_.freeName(QStringLiteral("ppt/theme/theme%1.xml"));
+        pkg_.setBytes(theme, pkg_.bytes(themeOf()));
+        pkg_.setOverride(theme, "application/vnd.openxmlformats-officedocument.theme+xml");
+        pkg_.addRel(master, Rel::Theme, theme);
+        const QString rid = pkg_.addRel(presentationPart_, Rel::NotesMaster, master);
+        pugi::xml_node list = InsertInOrder(pres, P(pres, "notesMasterIdLst").constData(), kPresentationOrder);
+        list.append_child(P(pres, "notesMasterId").constData()).append_attribute(R(pres, "id").constData()) =
+            utf8(rid).constData();
+        pkg_.touch(presentationPart_);
+    }
+    const QString notes = pkg_.freeName(QStringLiteral("ppt/notesSlides/notesSlide%1.xml"));
+    pkg_.setXml(notes, kNotesSlideXml);
+    pkg_.setOverride(notes, "application/vnd.openxmlformats-officedocument.presentationml.notesSlide+xml");
+    pkg_.addRel(notes, Rel::NotesMaster, master);
+    pkg_.addRel(notes, Rel::Slide, slide);
+    pkg_.addRel(slide, Rel::NotesSlide, notes);
+    return notes;
+}
+
+bool Deck::notesAppendOnce(qint64 slideId, const QString& text)
+{
+    const QString part = notesPart(slideId, true);
+    for (pugi::xml_node s : shapes(part)) {
+        pugi::xml_node ph = phOf(s);
+        if (!ph || str(ph.attribute("type").value()) != "body" || !textBody(s))
+            continue;
+        const QString now = paragraphs(textBody(s)).join('\r');
+        if (now.contains(text, Qt::CaseInsensitive))
+            return false;
+        Op op;
+        op.kind = Op::SetText;
+        op.slideId = slideId;
+        op.notes = true;
+        op.shape = shapeName(s);
+        op.shapeId = shapeId(s);
+        op.value = now.isEmpty() ? text : now + "\r\n" + text;
+        apply(op);
+        return true;
+    }
+    return false;
+}
+
+// ---- changes ----
+
+int Deck::nextShapeId(const QString& part)
+{
+    QSet<int> ids;
+    collectIds(pkg_.xml(part).document_element(), ids);
+    int id = 1;
+    for (int used : ids)
+        id = qMax(id, used + 1);
+    return id;
+}
+
+pugi::xml_node Deck::appendShapeNode(const QString& part, const char* xml)
+{
+    pugi::xml_document& doc = pkg_.xml(part);
+    pugi::xml_node tree = Child(Child(doc.document_element(), "cSld"), "spTree");
+    // Parse inside the slide's own namespace declarations.
+    QByteArray wrapper = "<w";
+    for (pugi::xml_attribute a : doc.document_element().attributes())
+        if (QByteArray(a.name()).startsWith("xmlns"))
+            wrapper += QByteArray(" ") + a.name() + "=\"" + a.value() + "\"";
+    wrapper += QByteArray(">") + xml + "</w>";
+    pugi::xml_document fragment;
+    if (!fragment.load_buffer(wrapper.constData(), size_t(wrapper.size()), XmlParseOptions()))
+        Raise(ErrNo::HostUnexpected, QStringLiteral("cannot build a shape"));
+    pugi::xml_node node = fragment.document_element().first_child();
+    pugi::xml_node ext = Child(tree, "extLst");
+    pugi::xml_node added = ext ? tree.insert_copy_before(node, ext) : tree.append_copy(node);
+    pkg_.touch(part);
+    return added;
+}
+
+void Deck::setXfrm(pugi::xml_node shape, const QRectF& r)
+{
+    pugi::xml_node s = effective(shape);
+    const QString local = LocalName(s);
+    pugi::xml_node x = xfrmOf(s);
+    if (!x) {
+        if (local == "graphicFrame") {
+            x = s.insert_child_after(P(s, "xfrm").constData(), nvProps(s));
+        } else {
+            pugi::xml_node pr = Child(s, local == "grpSp" ? "grpSpPr" : "spPr");
+            if (!pr)
+                pr = s.insert_child_after(P(s, local == "grpSp" ? "grpSpPr" : "spPr").constData(), nvProps(s));
+            x = InsertInOrder(pr, A(s, "xfrm").constData(), kSpPrOrder);
+        }
+    }
+    pugi::xml_node off = Child(x, "off"), ext = Child(x, "ext");
+    if (!off)
+        off = x.prepend_child(A(s, "off").constData());
+    if (!ext)
+        ext = x.insert_child_after(A(s, "ext").constData(), off);
+    auto set = [](pugi::xml_node n, const char* a, qint64 v) {
+        if (!n.attribute(a))
+            n.append_attribute(a);
+        n.attribute(a) = static_cast<long long>(v);
+    };
+    // A group keeps its children where they are: its child frame moves with it.
+    if (local == "grpSp") {
+        pugi::xml_node chOff = Child(x, "chOff"), chExt = Child(x, "chExt");
+        if (!chOff) {
+            chOff = x.append_child(A(s, "chOff").constData());
+            set(chOff, "x", off.attribute("x").as_llong());
+            set(chOff, "y", off.attribute("y").as_llong());
+        }
+        if (!chExt) {
+            chExt = x.append_child(A(s, "chExt").constData());
+            set(chExt, "cx", ext.attribute("cx").as_llong());
+            set(chExt, "cy", ext.attribute("cy").as_llong());
+        }
+    }
+    set(off, "x", emu(r.left()));
+    set(off, "y", emu(r.top()));
+    set(ext, "cx", emu(r.width()));
+    set(ext, "cy", emu(r.height()));
+}
+
+void Deck::removeTimingFor(const QString& part, const QSet<int>& ids)
+{
+    pugi::xml_node root = pkg_.xml(part).document_element();
+    pugi::xml_node timing = Child(root, "timing");
+    if (!timing)
+        return;
+    auto hasElement = [](pugi::xml_node n) {
+        for (pugi::xml_node c : n.children())
+            if (c.type() == pugi::node_element)
+                return true;
+        return false;
+    };
+    std::function<pugi::xml_node(pugi::xml_node)> findTarget = [&](pugi::xml_node n) -> pugi::xml_node {
+        for (pugi::xml_node c : n.children()) {
+            if (c.type() != pugi::node_element)
+                continue;
+            if (LocalName(c) == "spTgt" && ids.contains(c.attribute("spid").as_int()))
+                return c;
+            if (pugi::xml_node found = findTarget(c))
+                return found;
+        }
+        return {};
+    };
+    // One target at a time: removing one may take others with it.
+    while (pugi::xml_node t = findTarget(Child(timing, "tnLst"))) {
+        // The effect (or the trigger's sequence) that names the shape goes, then
+        // every time node that this leaves empty.
+        pugi::xml_node n = t;
+        while (n && LocalName(n) != "par" && LocalName(n) != "seq" && n != timing)
+            n = n.parent();
+        if (!n || n == timing) {
+            t.parent().remove_child(t);
+            continue;
+        }
+        for (;;) {
+            pugi::xml_node list = n.parent();
+            list.remove_child(n);
+            if (hasElement(list))
+                break;
+            if (LocalName(list) == "tnLst") {
+                root.remove_child(timing);
+                pkg_.touch(part);
+                return;
+            }
+            pugi::xml_node ctn = list.parent();
+            pugi::xml_node holder = ctn.parent();
+            if (LocalName(ctn) != "cTn" || (LocalName(holder) != "par" && LocalName(holder) != "seq"))
+                break;
+            n = holder;
+        }
+    }
+    if (pugi::xml_node bld = Child(timing, "bldLst")) {
+        QList<pugi::xml_node> gone;
+        for (pugi::xml_node b : bld.children())
+            if (b.type() == pugi::node_element && ids.contains(b.attribute("spid").as_int()))
+                gone << b;
+        for (pugi::xml_node b : gone)
+            bld.remove_child(b);
+        if (!hasElement(bld))
+            timing.remove_child(bld);
+    }
+    pkg_.touch(part);
+}
+
+void Deck::dropUnusedImages(const QString& part, const QStringList& rids)
+{
+    pugi::xml_node root = pkg_.xml(part).document_element();
+    const QByteArray rPrefix = prefixFor(root, Ns::R, "r");
+    for (const QString& rid : rids) {
+        if (usesRelId(root, rPrefix, utf8(rid)))
+            continue;
+        QString target;
+        for (const Relationship& rel : pkg_.rels(part))
+            if (rel.id == rid && rel.type == Rel::Image && !rel.external)
+                target = pkg_.resolve(part, rel.target);
+        if (target.isEmpty())
+            continue;
+        pkg_.removeRel(part, rid);
+        bool used = false;
+        for (const QString& name : pkg_.partNames()) {
+            if (!name.endsWith(".rels"))
+                continue;
+            const QString source = name == "_rels/.rels" ? QString()
+                                                         : QString(name).remove("_rels/").chopped(5);
+            for (const Relationship& rel : pkg_.rels(source))
+                if (!rel.external && pkg_.resolve(source, rel.target) == target)
+                    used = true;
+        }
+        if (!used)
+            pkg_.remove(target);
+    }
+}
+
+Clip Deck::copy(const QString& part, pugi::xml_node shape)
+{
+    Clip clip;
+    pugi::xml_document& doc = pkg_.xml(part);
+    pugi::xml_document out;
+    pugi::xml_node w = out.append_child("w");
+    for (pugi::xml_attribute a : doc.document_element().attributes())
+        if (QByteArray(a.name()).startsWith("xmlns"))
+            w.append_attribute(a.name()) = a.value();
+    w.append_copy(shape);
+    clip.xml = XmlBytes(out);
+    QStringList rids;
+    collectRelIds(shape, rids);
+    for (const QString& rid : rids)
+        for (const Relationship& rel : pkg_.rels(part))
+            if (rel.id == rid && rel.type == Rel::Image && !rel.external) {
+                const QString target = pkg_.resolve(part, rel.target);
+                clip.images.insert(rid, {target.section('.', -1), pkg_.bytes(target)});
+            }
+    return clip;
+}
+
+int Deck::apply(const Op& op, const Clip* clip)
+{
+    if (op.kind == Op::TagSet || op.kind == Op::TagAppend || op.kind == Op::TagDelete) {
+        QString part;
+        pugi::xml_node list = tagList(op.slideId, op.kind != Op::TagDelete, &part);
+        if (!list)
+            return 0;
+        pugi::xml_node found;
+        for (pugi::xml_node t : list.children())
+            if (LocalName(t) == "tag" && str(t.attribute("name").value()).compare(op.name, Qt::CaseInsensitive) == 0)
+                found = t;
+        if (op.kind == Op::TagDelete) {
+            if (found) {
+                list.remove_child(found);
+                pkg_.touch(part);
+            }
+            return 0;
+        }
+        QString value = op.value;
+        if (op.kind == Op::TagAppend && found)
+            value = str(found.attribute("val").value()) + op.value;
+        if (!found) {
+            found = list.append_child(P(list, "tag").constData());
+            found.append_attribute("name");
+            found.append_attribute("val");
+        }
+        // The host writes tag names upper-case; reading compares without case.
+        found.attribute("name") = utf8(op.name.toUpper()).constData();
+        found.attribute("val") = utf8(value).constData();
+        pkg_.touch(part);
+        return 0;
+    }
+
+    const QString part = op.notes ? notesPart(op.slideId, true) : slidePart(op.slideId);
+    pugi::xml_node tree = Child(Child(pkg_.xml(part).document_element(), "cSld"), "spTree");
+
+    switch (op.kind) {
+    case Op::AddPicture: {
+        const QString ext = op.value.toLower();
+        pkg_.ensureDefault(ext, contentTypeForExtension(ext));
+        const QString media = pkg_.freeName(QStringLiteral("ppt/media/image%1.") + ext);
+        pkg_.setBytes(media, op.data);
+        const QString rid = pkg_.addRel(part, Rel::Image, media);
+        const int id = nextShapeId(part);
+        QRectF r(op.geometry[0], op.geometry[1], op.geometry[2], op.geometry[3]);
+        const QSizeF own = nativeSize(op.data, ext);
+        if (r.width() <= 0)
+            r.setWidth(own.width() > 0 ? own.width() : 72);
+        if (r.height() <= 0)
+            r.setHeight(own.height() > 0 ? own.height() : 72);
+        const QByteArray xml =
+            QStringLiteral("<p:pic><p:nvPicPr><p:cNvPr id=\"%1\" name=\"%2\" descr=\"%3\"/>"
+                           "<p:cNvPicPr><a:picLocks noChangeAspect=\"1\"/></p:cNvPicPr><p:nvPr/></p:nvPicPr>"
+                           "<p:blipFill><a:blip r:embed=\"%4\"/><a:stretch><a:fillRect/></a:stretch></p:blipFill>"
+                           "<p:spPr><a:xfrm><a:off x=\"%5\" y=\"%6\"/><a:ext cx=\"%7\" cy=\"%8\"/></a:xfrm>"
+                           "<a:prstGeom prst=\"rect\"><a:avLst/></a:prstGeom></p:spPr></p:pic>")
+                .arg(id).arg(escapeXml(op.name), escapeXml(op.names.value(0)), rid)
+                .arg(emu(r.left())).arg(emu(r.top())).arg(emu(r.width())).arg(emu(r.height()))
+                .toUtf8();
+        appendShapeNode(part, xml.constData());
+        return id;
+    }
+    case Op::AddShape:
+    case Op::AddTextbox: {
+        const int id = nextShapeId(part);
+        const bool box = op.kind == Op::AddTextbox;
+        const QString prst = op.number == AutoShape::Oval ? "ellipse"
+                             : op.number == AutoShape::RoundedRectangle ? "roundRect" : "rect";
+        const QString style = box ? QString()
+                                  : "<p:style><a:lnRef idx=\"2\"><a:schemeClr val=\"accent1\"><a:shade val=\"50000\"/></a:schemeClr></a:lnRef>"
+                                    "<a:fillRef idx=\"1\"><a:schemeClr val=\"accent1\"/></a:fillRef>"
+                                    "<a:effectRef idx=\"0\"><a:schemeClr val=\"accent1\"/></a:effectRef>"
+                                    "<a:fontRef idx=\"minor\"><a:schemeClr val=\"lt1\"/></a:fontRef></p:style>";
+        const QByteArray xml =
+            QStringLiteral("<p:sp><p:nvSpPr><p:cNvPr id=\"%1\" name=\"%2\"/><p:cNvSpPr%3/><p:nvPr/></p:nvSpPr>"
+                           "<p:spPr><a:xfrm><a:off x=\"%4\" y=\"%5\"/><a:ext cx=\"%6\" cy=\"%7\"/></a:xfrm>"
+                           "<a:prstGeom prst=\"%8\"><a:avLst/></a:prstGeom>%9</p:spPr>%10"
+                           "<p:txBody><a:bodyPr%11 rtlCol=\"0\"%12</a:bodyPr><a:lstStyle/><a:p><a:endParaRPr lang=\"en-US\"/></a:p></p:txBody></p:sp>")
+                .arg(id).arg(escapeXml(op.name), box ? " txBox=\"1\"" : "")
+                .arg(emu(op.geometry[0])).arg(emu(op.geometry[1])).arg(emu(op.geometry[2])).arg(emu(op.geometry[3]))
+                .arg(prst, box ? "<a:noFill/>" : "", style, box ? " wrap=\"square\"" : "", box ? "><a:spAutoFit/>" : " anchor=\"ctr\">")
+                .toUtf8();
+        appendShapeNode(part, xml.constData());
+        return id;
+    }
+    case Op::Group: {
+        QList<pugi::xml_node> members;
+        for (const QString& n : op.names) {
+            pugi::xml_node s = findShape(part, n);
+            if (!s)
+                notFound(n);
+            if (!members.contains(s))
+                members << s;
+        }
+        if (members.size() < 2)
+            Raise(ErrNo::HostUnexpected, QStringLiteral("This member can only be accessed for a group of two or more shapes."));
+        QRectF box;
+        for (pugi::xml_node s : members) {
+            const QRectF r = geometry(part, s);
+            if (!xfrmOf(s))
+                setXfrm(s, r); // a placeholder's inherited place becomes its own
+            box = box.isNull() ? r : box.united(r);
+        }
+        const int id = nextShapeId(part);
+        pugi::xml_node top = members.first();
+        for (pugi::xml_node s : members)
+            for (pugi::xml_node c = top; c; c = c.next_sibling())
+                if (c == s)
+                    top = s;
+        const QString xml = QStringLiteral(
+            "<p:grpSp><p:nvGrpSpPr><p:cNvPr id=\"%1\" name=\"%2\"/><p:cNvGrpSpPr/><p:nvPr/></p:nvGrpSpPr>"
+            "<p:grpSpPr><a:xfrm><a:off x=\"%3\" y=\"%4\"/><a:ext cx=\"%5\" cy=\"%6\"/>"
+            "<a:chOff x=\"%3\" y=\"%4\"/><a:chExt cx=\"%5\" cy=\"%6\"/></a:xfrm></p:grpSpPr></p:grpSp>")
+                                .arg(id).arg(escapeXml(op.name))
+                                .arg(emu(box.left())).arg(emu(box.top())).arg(emu(box.width())).arg(emu(box.height()));
+        pugi::xml_node group = appendShapeNode(part, xml.toUtf8().constData());
+        group = tree.insert_move_after(group, top);
+        for (pugi::xml_node s : members)
+            group.append_move(s);
+        return id;
+    }
+    case Op::Paste: {
+        if (!clip || clip->xml.isEmpty())
+            Raise(ErrNo::HostUnexpected, QStringLiteral("Shapes.Paste : Invalid request.  Clipboard is empty or contains data which may not be pasted here."));
+        pugi::xml_document fragment;
+        fragment.load_buffer(clip->xml.constData(), size_t(clip->xml.size()), XmlParseOptions());
+        pugi::xml_node shape = fragment.document_element().first_child();
+        // Fresh ids, and the pictures brought along.
+        int id = nextShapeId(part);
+        const int first = id;
+        std::function<void(pugi::xml_node)> renumber = [&](pugi::xml_node n) {
+            for (pugi::xml_node c : n.children()) {
+                if (c.type() != pugi::node_element)
+                    continue;
+                if (LocalName(c) == "cNvPr")
+                    c.attribute("id") = id++;
+                renumber(c);
+            }
+        };
+        renumber(shape);
+        QMap<QString, QString> newRids;
+        for (auto it = clip->images.constBegin(); it != clip->images.constEnd(); ++it) {
+            pkg_.ensureDefault(it->first, contentTypeForExtension(it->first));
+            const QString media = pkg_.freeName(QStringLiteral("ppt/media/image%1.") + it->first);
+            pkg_.setBytes(media, it->second);
+            newRids.insert(it.key(), pkg_.addRel(part, Rel::Image, media));
+        }
+        const QByteArray rPrefix = prefixFor(fragment.document_element(), Ns::R, "r");
+        std::function<void(pugi::xml_node)> relink = [&](pugi::xml_node n) {
+            for (pugi::xml_attribute a : n.attributes())
+                if (QByteArray(a.name()).startsWith(rPrefix) && newRids.contains(str(a.value())))
+                    a = utf8(newRids.value(str(a.value()))).constData();
+            for (pugi::xml_node c : n.children())
+                if (c.type() == pugi::node_element)
+                    relink(c);
+        };
+        relink(shape);
+        cNvPr(shape).attribute("name") = utf8(op.name).constData();
+        pugi::xml_node ext = Child(tree, "extLst");
+        ext ? tree.insert_copy_before(shape, ext) : tree.append_copy(shape);
+        pkg_.touch(part);
+        return first;
+    }
+    default:
+        break;
+    }
+
+    pugi::xml_node shape = findShape(part, op.shape, op.shapeId);
+    if (!shape)
+        notFound(op.shape);
+    pugi::xml_node nv = cNvPr(shape);
+    switch (op.kind) {
+    case Op::Rename:
+        nv.attribute("name") = utf8(op.name).constData();
+        break;
+    case Op::SetVisible:
+        if (op.number)
+            nv.remove_attribute("hidden");
+        else if (nv.attribute("hidden"))
+            nv.attribute("hidden") = "1";
+        else
+            nv.append_attribute("hidden") = "1";
+        break;
+    case Op::SetGeometry: {
+        QRectF r = geometry(part, shape);
+        const double v = op.geometry[0];
+        switch (op.number) {
+        case 0: r.moveLeft(v); break;
+        case 1: r.moveTop(v); break;
+        case 2: r.setWidth(v); break;
+        default: r.setHeight(v); break;
+        }
+        setXfrm(shape, r);
+        break;
+    }
+    case Op::SetText: {
+        pugi::xml_node body = op.row ? tableCellBody(shape, op.row, op.column) : textBody(shape);
+        if (!body)
+            Raise(ErrNo::HostUnexpected, QStringLiteral("This shape does not have a text frame."));
+        pugi::xml_node firstP = Child(body, "p");
+        pugi::xml_document keep;
+        pugi::xml_node pPr = keep.append_copy(Child(firstP, "pPr"));
+        pugi::xml_node rPr = Child(Child(firstP, "r"), "rPr");
+        pugi::xml_node runProps = rPr ? keep.append_copy(rPr) : pugi::xml_node();
+        QList<pugi::xml_node> old;
+        for (pugi::xml_node p : body.children())
+            if (LocalName(p) == "p")
+                old << p;
+        for (pugi::xml_node p : old)
+            body.remove_child(p);
+        QString text = op.value;
+        text.replace("\r\n", "\r").replace('\n', '\r');
+        const QByteArray aP = A(body, "p"), aR = A(body, "r"), aT = A(body, "t"), aBr = A(body, "br");
+        const QByteArray aRPr = A(body, "rPr"), aEnd = A(body, "endParaRPr");
+        for (const QString& para : text.split('\r')) {
+            pugi::xml_node p = body.append_child(aP.constData());
+            if (pPr)
+                p.append_copy(pPr);
+            const QStringList lines = para.split(QChar(11));
+            for (int i = 0; i < lines.size(); ++i) {
+                if (i > 0) {
+                    pugi::xml_node br = p.append_child(aBr.constData());
+                    if (runProps)
+                        br.append_copy(runProps);
+                }
+                if (lines[i].isEmpty())
+                    continue;
+                pugi::xml_node r = p.append_child(aR.constData());
+                if (runProps)
+                    r.append_copy(runProps);
+                else
+                    r.append_child(aRPr.constData()).append_attribute("lang") = "en-US";
+                r.append_child(aT.constData()).text() = utf8(lines[i]).constData();
+            }
+            pugi::xml_node end = p.append_child(aEnd.constData());
+            end.append_attribute("lang") = "en-US";
+            if (runProps && runProps.attribute("sz"))
+                end.append_attribute("sz") = runProps.attribute("sz").value();
+        }
+        break;
+    }
+    case Op::SetLockAspect: {
+        pugi::xml_node holder;
+        for (pugi::xml_node c : nvProps(shape).children())
+            if (LocalName(c).startsWith("cNv") && LocalName(c) != "cNvPr")
+                holder = c;
+        if (!holder)
+            break;
+        const QString kind = LocalName(holder);
+        const char* lockName = kind == "cNvPicPr" ? "picLocks" : kind == "cNvGrpSpPr" ? "grpSpLocks"
+                             : kind == "cNvGraphicFramePr" ? "graphicFrameLocks" : kind == "cNvCxnSpPr" ? "cxnSpLocks" : "spLocks";
+        pugi::xml_node lock = Child(holder, lockName);
+        if (!lock)
+            lock = holder.prepend_child(A(holder, lockName).constData());
+        if (!lock.attribute("noChangeAspect"))
+            lock.append_attribute("noChangeAspect");
+        lock.attribute("noChangeAspect") = op.number ? "1" : "0";
+        break;
+    }
+    case Op::ClearAnimation:
+        removeTimingFor(part, {shapeId(shape)});
+        break;
+    case Op::SetFillVisible:
+    case Op::SetLineVisible: {
+        pugi::xml_node spPr = Child(effective(shape), "spPr");
+        if (!spPr)
+            break;
+        if (op.kind == Op::SetFillVisible) {
+            for (const char* f : {"noFill", "solidFill", "gradFill", "blipFill", "pattFill", "grpFill"})
+                if (pugi::xml_node old = Child(spPr, f); old && !op.number)
+                    spPr.remove_child(old);
+            if (!op.number)
+                InsertInOrder(spPr, A(spPr, "noFill").constData(), kSpPrOrder);
+            else if (pugi::xml_node nf = Child(spPr, "noFill"))
+                spPr.remove_child(nf);
+        } else {
+            pugi::xml_node ln = Child(spPr, "ln");
+            if (!ln)
+                ln = InsertInOrder(spPr, A(spPr, "ln").constData(), kSpPrOrder);
+            for (const char* f : {"noFill", "solidFill", "gradFill", "pattFill"})
+                if (pugi::xml_node old = Child(ln, f); old && !op.number)
+                    ln.remove_child(old);
+            if (!op.number)
+                ln.prepend_child(A(ln, "noFill").constData());
+            else if (pugi::xml_node nf = Child(ln, "noFill"))
+                ln.remove_child(nf);
+        }
+        break;
+    }
+    case Op::ZOrder: {
+        QList<pugi::xml_node> all = shapes(part);
+        const int at = all.indexOf(shape);
+        switch (op.number) {
+        case ZOrderCmd::SendToBack:
+        case ZOrderCmd::SendBehindText:
+            if (at > 0)
+                tree.insert_move_before(shape, all.first());
+            break;
+        case ZOrderCmd::BringToFront:
+        case ZOrderCmd::BringInFrontOfText:
+            if (at < all.size() - 1)
+                tree.insert_move_after(shape, all.last());
+            break;
+        case ZOrderCmd::BringForward:
+            if (at < all.size() - 1)
+                tree.insert_move_after(shape, all[at + 1]);
+            break;
+        case ZOrderCmd::SendBackward:
+            if (at > 0)
+                tree.insert_move_before(shape, all[at - 1]);
+            break;
+        default:
+            Raise(ErrNo::InvalidProcedureCall, QStringLiteral("Invalid procedure call or argument"));
+        }
+        break;
+    }
+    case Op::Delete: {
+        QSet<int> ids;
+        ids.insert(shapeId(shape));
+        collectIds(shape, ids);
+        QStringList rids;
+        collectRelIds(shape, rids);
+        tree.remove_child(shape);
+        removeTimingFor(part, ids);
+        dropUnusedImages(part, rids);
+        break;
+    }
+    default:
+        break;
+    }
+    pkg_.touch(part);
+    return 0;
+}
+
+} // namespace tallix::host
+
+namespace tallix::host {
+
+Deck Deck::blank(int slides)
+{
+    Package package;
+    for (const auto& [name, bytes] : BlankDeckParts(slides))
+        package.setBytes(name, bytes);
+    return open(std::move(package));
+}
+
+} // namespace tallix::host

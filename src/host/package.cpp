@@ -1,0 +1,453 @@
+#include "package.h"
+
+#include <QDir>
+#include <QFile>
+#include <QSet>
+#include <QUrl>
+#include <vector>
+#include <zip.h>
+
+namespace tallix::host {
+
+namespace {
+
+const QString kContentTypes = QStringLiteral("[Content_Types].xml");
+
+struct StringWriter : pugi::xml_writer {
+    QByteArray out;
+    void write(const void* data, size_t size) override
+    {
+        out.append(static_cast<const char*>(data), qsizetype(size));
+    }
+};
+
+QString zipErrorText(zip_error_t* error) { return QString::fromUtf8(zip_error_strerror(error)); }
+
+// Already-compressed media gain nothing from deflate; storing them keeps a write fast.
+bool storedUncompressed(const QString& name)
+{
+    static const QStringList packed{".png", ".jpg", ".jpeg", ".gif", ".mp4", ".m4a", ".mp3",
+                                    ".wdp", ".jfif", ".zip", ".xlsx", ".docx"};
+    for (const QString& ext : packed)
+        if (name.endsWith(ext, Qt::CaseInsensitive))
+            return true;
+    return false;
+}
+
+QString normalise(const QString& path)
+{
+    QStringList out;
+    for (const QString& piece : path.split('/')) {
+        if (piece.isEmpty() || piece == ".")
+            continue;
+        if (piece == "..") {
+            if (!out.isEmpty())
+                out.removeLast();
+            continue;
+        }
+        out << piece;
+    }
+    return out.join('/');
+}
+
+QString folderOf(const QString& part)
+{
+    const int slash = part.lastIndexOf('/');
+    return slash < 0 ? QString() : part.left(slash);
+}
+
+} // namespace
+
+unsigned XmlParseOptions()
+{
+    // Whitespace-only text (a run of one space) is content in slides.
+    return pugi::parse_default | pugi::parse_declaration | pugi::parse_ws_pcdata |
+           pugi::parse_comments | pugi::parse_pi | pugi::parse_doctype;
+}
+
+QByteArray XmlBytes(const pugi::xml_document& doc)
+{
+    StringWriter writer;
+    doc.save(writer, "", pugi::format_raw | pugi::format_no_declaration, pugi::encoding_utf8);
+    return writer.out;
+}
+
+Package Package::fromFile(const QString& path, const PackageLimits& limits)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        throw PackageError(QStringLiteral("cannot open %1: %2").arg(path, file.errorString()));
+    try {
+        return fromZip(file.readAll(), limits);
+    } catch (const PackageError& e) {
+        throw PackageError(QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(path), e.message()));
+    }
+}
+
+Package Package::fromZip(const QByteArray& zip, const PackageLimits& limits)
+{
+    if (!zip.startsWith("PK"))
+        throw PackageError(QStringLiteral("not a presentation: not a zip file"));
+    zip_error_t error;
+    zip_error_init(&error);
+    zip_source_t* source = zip_source_buffer_create(zip.constData(), zip_uint64_t(zip.size()), 0, &error);
+    if (!source)
+        throw PackageError(QStringLiteral("not a zip file (%1)").arg(zipErrorText(&error)));
+    zip_t* archive = zip_open_from_source(source, ZIP_RDONLY, &error);
+    if (!archive) {
+        zip_source_free(source);
+        const QString reason = zipErrorText(&error);
+        zip_error_fini(&error);
+        throw PackageError(QStringLiteral("not a presentation: not a zip file (%1)").arg(reason));
+    }
+    Package package;
+    QString failure;
+    const zip_int64_t count = zip_get_num_entries(archive, 0);
+    if (count > limits.maxEntries)
+        failure = QStringLiteral("too many entries in the zip (%1)").arg(count);
+    qint64 total = 0;
+    for (zip_int64_t i = 0; failure.isEmpty() && i < count; ++i) {
+        zip_stat_t st;
+        if (zip_stat_index(archive, zip_uint64_t(i), 0, &st) != 0) {
+            failure = QStringLiteral("unreadable zip entry %1").arg(i);
+            break;
+        }
+        const QString name = QString::fromUtf8(st.name);
+        if (name.endsWith('/'))
+            continue; // folder entries carry nothing
+        const qint64 size = qint64(st.size);
+        total += size;
+        if (total > limits.maxTotalUncompressed) {
+            failure = QStringLiteral("refused: the zip inflates beyond %1 bytes")
+                          .arg(limits.maxTotalUncompressed);
+            break;
+        }
+        if (size > limits.ratioFloor && double(size) > limits.maxRatio * double(qMax<zip_uint64_t>(st.comp_size, 1))) {
+            failure = QStringLiteral("refused: entry %1 inflates %2 times (a zip bomb?)")
+                          .arg(name)
+                          .arg(qint64(double(size) / double(qMax<zip_uint64_t>(st.comp_size, 1))));
+            break;
+        }
+        zip_file_t* entry = zip_fopen_index(archive, zip_uint64_t(i), 0);
+        if (!entry) {
+            failure = QStringLiteral("cannot read zip entry %1 (%2)")
+                          .arg(name, QString::fromUtf8(zip_strerror(archive)));
+            break;
+        }
+        // Read one byte beyond the declared size, so a header that lies is caught.
+        QByteArray data(size + 1, Qt::Uninitialized);
+        qint64 got = 0;
+        while (got < data.size()) {
+            const zip_int64_t n = zip_fread(entry, data.data() + got, zip_uint64_t(data.size() - got));
+            if (n < 0) {
+                failure = QStringLiteral("corrupt zip entry %1 (%2)")
+                              .arg(name, QString::fromUtf8(zip_file_strerror(entry)));
+                break;
+            }
+            if (n == 0)
+                break;
+            got += n;
+        }
+        zip_fclose(entry);
+        if (!failure.isEmpty())
+            break;
+        if (got != size) {
+            failure = QStringLiteral("zip entry %1 does not match its declared size").arg(name);
+            break;
+        }
+        data.truncate(size);
+        if (!package.parts_.contains(name))
+            package.order_ << name;
+        package.parts_[name].raw = data;
+    }
+    zip_close(archive); // read-only: discards, and frees the source
+    zip_error_fini(&error);
+    if (!failure.isEmpty())
+        throw PackageError(failure);
+    if (!package.has(kContentTypes))
+        throw PackageError(QStringLiteral("not a presentation: the zip has no [Content_Types].xml"));
+    return package;
+}
+
+QByteArray Package::toZip() const
+{
+    zip_error_t error;
+    zip_error_init(&error);
+    zip_source_t* sink = zip_source_buffer_create(nullptr, 0, 0, &error);
+    if (!sink)
+        throw PackageError(QStringLiteral("cannot build zip: %1").arg(zipErrorText(&error)));
+    zip_t* archive = zip_open_from_source(sink, ZIP_TRUNCATE, &error);
+    if (!archive) {
+        zip_source_free(sink);
+        throw PackageError(QStringLiteral("cannot build zip: %1").arg(zipErrorText(&error)));
+    }
+    zip_source_keep(sink);
+    // libzip reads the buffers at zip_close, so they must outlive the loop.
+    std::vector<QByteArray> held;
+    held.reserve(size_t(order_.size()));
+    QStringList names = order_;
+    // The content types lead, as every writer of these files puts them.
+    names.removeAll(kContentTypes);
+    names.prepend(kContentTypes);
+    QString failure;
+    for (const QString& name : names) {
+        held.push_back(bytes(name));
+        const QByteArray& data = held.back();
+        zip_source_t* src = zip_source_buffer(archive, data.constData(), zip_uint64_t(data.size()), 0);
+        const QByteArray utf8 = name.toUtf8();
+        const zip_int64_t index = src ? zip_file_add(archive, utf8.constData(), src, ZIP_FL_ENC_UTF_8) : -1;
+        if (index < 0) {
+            if (src)
+                zip_source_free(src);
+            failure = QString::fromUtf8(zip_strerror(archive));
+            break;
+        }
+        zip_set_file_compression(archive, zip_uint64_t(index),
+                                 storedUncompressed(name) ? ZIP_CM_STORE : ZIP_CM_DEFLATE, 0);
+        // A fixed date keeps equal decks byte-equal.
+        zip_file_set_mtime(archive, zip_uint64_t(index), 315532800 + 12 * 3600, 0);
+    }
+    if (!failure.isEmpty()) {
+        zip_discard(archive);
+        zip_source_free(sink);
+        throw PackageError(QStringLiteral("cannot build zip: %1").arg(failure));
+    }
+    if (zip_close(archive) != 0) {
+        failure = QString::fromUtf8(zip_strerror(archive));
+        zip_discard(archive);
+        zip_source_free(sink);
+        throw PackageError(QStringLiteral("cannot build zip: %1").arg(failure));
+    }
+    QByteArray out;
+    zip_stat_t st;
+    if (zip_source_open(sink) == 0) {
+        if (zip_source_stat(sink, &st) == 0) {
+            out.resize(qsizetype(st.size));
+            zip_source_read(sink, out.data(), st.size);
+        }
+        zip_source_close(sink);
+    }
+    zip_source_free(sink);
+    return out;
+}
+
+QByteArray Package::bytes(const QString& name) const
+{
+    auto it = parts_.constFind(name);
+    if (it == parts_.constEnd())
+        return {};
+    if (it->dirty && it->doc)
+        return XmlBytes(*it->doc);
+    return it->raw;
+}
+
+pugi::xml_document& Package::xml(const QString& name)
+{
+    auto it = parts_.find(name);
+    if (it == parts_.end())
+        throw PackageError(QStringLiteral("the part %1 is missing").arg(name));
+    if (!it->doc) {
+        auto doc = std::make_shared<pugi::xml_document>();
+        const pugi::xml_parse_result result =
+            doc->load_buffer(it->raw.constData(), size_t(it->raw.size()), XmlParseOptions());
+        if (!result)
+            throw PackageError(QStringLiteral("broken XML in %1 at byte %2: %3")
+                                   .arg(name)
+                                   .arg(qint64(result.offset))
+                                   .arg(QString::fromUtf8(result.description())));
+        it->doc = doc;
+    }
+    return *it->doc;
+}
+
+void Package::touch(const QString& name)
+{
+    auto it = parts_.find(name);
+    if (it != parts_.end() && it->doc)
+        it->dirty = true;
+}
+
+bool Package::changed(const QString& name) const
+{
+    auto it = parts_.constFind(name);
+    return it != parts_.constEnd() && it->dirty;
+}
+
+void Package::setBytes(const QString& name, const QByteArray& bytes)
+{
+    if (!parts_.contains(name))
+        order_ << name;
+    Part& part = parts_[name];
+    part.raw = bytes;
+    part.doc.reset();
+    part.dirty = false;
+}
+
+void Package::setXml(const QString& name, const QByteArray& text)
+{
+    setBytes(name, text);
+    xml(name);
+    parts_[name].dirty = true;
+}
+
+void Package::remove(const QString& name)
+{
+    parts_.remove(name);
+    order_.removeAll(name);
+    const QString rels = relsName(name);
+    if (parts_.contains(rels)) {
+        parts_.remove(rels);
+        order_.removeAll(rels);
+    }
+    if (has(kContentTypes)) {
+        pugi::xml_document& types = xml(kContentTypes);
+        const QByteArray partName = ('/' + name).toUtf8();
+        for (pugi::xml_node o : types.document_element().children("Override"))
+            if (QByteArray(o.attribute("PartName").value()) == partName) {
+                types.document_element().remove_child(o);
+                touch(kContentTypes);
+                break;
+            }
+    }
+}
+
+QString Package::contentType(const QString& name)
+{
+    pugi::xml_node root = xml(kContentTypes).document_element();
+    const QString partName = '/' + name;
+    for (pugi::xml_node o : root.children("Override"))
+        if (QString::fromUtf8(o.attribute("PartName").value()).compare(partName, Qt::CaseInsensitive) == 0)
+            return QString::fromUtf8(o.attribute("ContentType").value());
+    const QString ext = name.section('.', -1);
+    for (pugi::xml_node d : root.children("Default"))
+        if (QString::fromUtf8(d.attribute("Extension").value()).compare(ext, Qt::CaseInsensitive) == 0)
+            return QString::fromUtf8(d.attribute("ContentType").value());
+    return {};
+}
+
+void Package::setOverride(const QString& name, const QString& type)
+{
+    pugi::xml_node root = xml(kContentTypes).document_element();
+    const QByteArray partName = ('/' + name).toUtf8();
+    pugi::xml_node found;
+    for (pugi::xml_node o : root.children("Override"))
+        if (QByteArray(o.attribute("PartName").value()) == partName)
+            found = o;
+    if (!found) {
+        found = root.append_child("Override");
+        found.append_attribute("PartName") = partName.constData();
+        found.append_attribute("ContentType");
+    }
+    found.attribute("ContentType") = type.toUtf8().constData();
+    touch(kContentTypes);
+}
+
+void Package::ensureDefault(const QString& extension, const QString& type)
+{
+    pugi::xml_node root = xml(kContentTypes).document_element();
+    for (pugi::xml_node d : root.children("Default"))
+        if (QString::fromUtf8(d.attribute("Extension").value()).compare(extension, Qt::CaseInsensitive) == 0)
+            return;
+    // Defaults come before the overrides.
+    pugi::xml_node first = root.child("Override");
+    pugi::xml_node d = first ? root.insert_child_before("Default", first) : root.append_child("Default");
+    d.append_attribute("Extension") = extension.toUtf8().constData();
+    d.append_attribute("ContentType") = type.toUtf8().constData();
+    touch(kContentTypes);
+}
+
+QString Package::relsName(const QString& part)
+{
+    if (part.isEmpty())
+        return QStringLiteral("_rels/.rels");
+    const QString folder = folderOf(part);
+    const QString file = part.section('/', -1);
+    return (folder.isEmpty() ? QString() : folder + '/') + "_rels/" + file + ".rels";
+}
+
+QList<Relationship> Package::rels(const QString& part)
+{
+    QList<Relationship> out;
+    const QString name = relsName(part);
+    if (!has(name))
+        return out;
+    for (pugi::xml_node r : xml(name).document_element().children("Relationship")) {
+        Relationship rel;
+        rel.id = QString::fromUtf8(r.attribute("Id").value());
+        rel.type = QString::fromUtf8(r.attribute("Type").value());
+        rel.target = QString::fromUtf8(r.attribute("Target").value());
+        rel.external = QString::fromUtf8(r.attribute("TargetMode").value()) == "External";
+        out << rel;
+    }
+    return out;
+}
+
+QString Package::resolve(const QString& part, const QString& target) const
+{
+    const QString t = QUrl::fromPercentEncoding(target.toUtf8());
+    if (t.startsWith('/'))
+        return normalise(t);
+    return normalise(folderOf(part) + '/' + t);
+}
+
+QString Package::target(const QString& part, const QString& rid)
+{
+    for (const Relationship& rel : rels(part))
+        if (rel.id == rid)
+            return rel.external ? QString() : resolve(part, rel.target);
+    return {};
+}
+
+QString Package::addRel(const QString& part, const QString& type, const QString& targetPart)
+{
+    const QString name = relsName(part);
+    if (!has(name))
+        setXml(name, "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\r\n"
+                     "<Relationships xmlns=\"http://schemas.openxmlformats.org/package/2006/relationships\"/>");
+    pugi::xml_node root = xml(name).document_element();
+    QSet<QString> used;
+    for (pugi::xml_node r : root.children("Relationship"))
+        used.insert(QString::fromUtf8(r.attribute("Id").value()));
+    int n = 1;
+    while (used.contains(QStringLiteral("rId%1").arg(n)))
+        ++n;
+    const QString id = QStringLiteral("rId%1").arg(n);
+    // Targets are written relative to the source part's folder.
+    const QString relative = QDir(folderOf(part).isEmpty() ? "/" : '/' + folderOf(part))
+                                 .relativeFilePath('/' + targetPart);
+    pugi::xml_node r = root.append_child("Relationship");
+    r.append_attribute("Id") = id.toUtf8().constData();
+    r.append_attribute("Type") = type.toUtf8().constData();
+    r.append_attribute("Target") = relative.toUtf8().constData();
+    touch(name);
+    return id;
+}
+
+void Package::removeRel(const QString& part, const QString& rid)
+{
+    const QString name = relsName(part);
+    if (!has(name))
+        return;
+    pugi::xml_node root = xml(name).document_element();
+    for (pugi::xml_node r : root.children("Relationship"))
+        if (QString::fromUtf8(r.attribute("Id").value()) == rid) {
+            root.remove_child(r);
+            touch(name);
+            return;
+        }
+}
+
+QString Package::freeName(const QString& pattern) const
+{
+    for (int n = 1;; ++n) {
+        const QString name = pattern.arg(n);
+        bool taken = false;
+        for (auto it = parts_.constBegin(); it != parts_.constEnd(); ++it)
+            if (it.key().compare(name, Qt::CaseInsensitive) == 0)
+                taken = true;
+        if (!taken)
+            return name;
+    }
+}
+
+} // namespace tallix::host

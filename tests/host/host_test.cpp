@@ -1,0 +1,273 @@
+#include "host_fixtures.h"
+
+#include "foundation/vb_error.h"
+#include "host/deck_host.h"
+
+#include <QTemporaryDir>
+#include <functional>
+#include <gtest/gtest.h>
+
+using namespace tallix;
+using namespace tallix::host;
+using namespace tallix::host::test;
+
+namespace {
+
+long errorNumber(const std::function<void()>& f)
+{
+    try {
+        f();
+    } catch (const VbError& e) {
+        return e.number();
+    }
+    return 0;
+}
+
+// A deck reopened from its own bytes: what another process would read.
+Deck reread(Deck& deck) { return Deck::open(Package::fromZip(deck.toZip())); }
+
+class MemoryHostTest : public ::testing::Test {
+protected:
+    MemoryHost host{2};
+    Presentation& pres = *host.ActivePresentation();
+    Slide& slide = *pres.GetSlides()->Item(1);
+    Shapes& shapes = *slide.GetShapes();
+    QTemporaryDir dir;
+    QString png = WriteFile(dir.filePath("chart.png"), OnePixelPng());
+};
+
+TEST_F(MemoryHostTest, TagNamesAreCaseBlindAndWrittenUpperCase)
+{
+    Tags& tags = *slide.GetTags();
+    tags.Add("tlxVote", "<tlxfile/>");
+    EXPECT_EQ(tags.Name(1), "TLXVOTE");
+    EXPECT_EQ(tags.Item("TlXvOtE"), "<tlxfile/>");
+    EXPECT_EQ(tags.Item("missing"), "");
+    tags.Add("TLXVOTE", "second");
+    EXPECT_EQ(tags.Count(), 1);
+    tags.Delete("tlxvote");
+    tags.Delete("never there");
+    EXPECT_EQ(tags.Count(), 0);
+}
+
+TEST_F(MemoryHostTest, TagValuesSurviveWritingExactly)
+{
+    const QString votes = "16/11/2026,02:31:12,3;X;-;Red|Blue;\r\n16/11/2026,02:35:00,1;2;-;X;\r\n";
+    const QString odd = "tab\there\rcr only\nlf only  trailing  ";
+    slide.GetTags()->Add("TLXVOTES", votes);
+    pres.GetTags()->Add("tlx_odd", odd);
+    pres.GetTags()->Add("empty", "");
+    Deck again = reread(host.deck());
+    EXPECT_EQ(again.tag(again.slideIdAt(1), "tlxvotes"), votes);
+    EXPECT_EQ(again.tag(0, "TLX_ODD"), odd);
+    EXPECT_EQ(again.tags(0).size(), 2);
+}
+
+TEST_F(MemoryHostTest, HostErrorsCarryTheHostsNumber)
+{
+    struct Case {
+        const char* what;
+        std::function<void()> call;
+        long number;
+    };
+    Shape* pic = shapes.AddPicture(png, 0, -1, 0, 0);
+    pic->Delete();
+    const Case cases[] = {
+        {"shape by missing name", [&] { shapes.Item("tallix chart"); }, ErrNo::ItemNotFound},
+        {"shape name differing in case", [&] { shapes.Item("TITLE 1"); }, ErrNo::ItemNotFound},
+        {"shape index 0", [&] { shapes.Item(0); }, ErrNo::ItemNotFound},
+        {"shape index past the end", [&] { shapes.Item(shapes.Count() + 1); }, ErrNo::ItemNotFound},
+        {"slide index", [&] { pres.GetSlides()->Item(3); }, ErrNo::ItemNotFound},
+        {"slide id", [&] { pres.GetSlides()->FindBySlideID(4711); }, ErrNo::ItemNotFound},
+        {"deleted shape", [&] { pic->Visible(); }, ErrNo::HostUnexpected},
+        {"picture has no text", [&] { shapes.AddPicture(png, 0, -1, 0, 0)->GetTextFrame(); }, ErrNo::HostUnexpected},
+        {"no show running", [&] { pres.GetSlideShowWindow(); }, ErrNo::HostUnexpected},
+        {"missing picture file", [&] { shapes.AddPicture(dir.filePath("none.png"), 0, -1, 0, 0); }, ErrNo::FileNotFound},
+        {"group of one", [&] { shapes.Group({"Title 1"}); }, ErrNo::HostUnexpected},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(errorNumber(c.call), c.number) << c.what;
+}
+
+TEST_F(MemoryHostTest, PicturesAreAddedHiddenOrShownAndPlacedInPoints)
+{
+    Shape* hidden = shapes.AddPicture(png, 0, -1, 0, 0, 0, 0);
+    EXPECT_EQ(hidden->Width(), 0.75); // one pixel at 96 per inch
+    hidden->SetVisible(false);
+    hidden->SetLockAspectRatio(false);
+    hidden->SetLeft(10.123);
+    hidden->SetTop(20);
+    hidden->SetWidth(300.5);
+    hidden->SetHeight(200);
+    hidden->SetLockAspectRatio(true);
+    hidden->SetName("tallix chart");
+    Shape* shown = shapes.AddPicture(png, 0, -1, 1, 2, 3, 4);
+    shown->SetName("tallix chart 1");
+
+    Deck again = reread(host.deck());
+    const QString part = again.slidePart(again.slideIdAt(1));
+    pugi::xml_node h = again.findShape(part, "tallix chart");
+    ASSERT_TRUE(h);
+    EXPECT_TRUE(Deck::shapeHidden(h));
+    EXPECT_TRUE(Deck::lockAspect(h));
+    EXPECT_EQ(again.geometry(part, h), QRectF(qRound(10.123 * 12700) / 12700.0, 20, 300.5, 200));
+    EXPECT_FALSE(Deck::shapeHidden(again.findShape(part, "tallix chart 1")));
+    EXPECT_EQ(Deck::kindName(h), "picture");
+    // Both pictures have their own image part of the right type.
+    EXPECT_EQ(again.package().contentType("ppt/media/image1.png"), "image/png");
+    EXPECT_TRUE(again.package().has("ppt/media/image2.png"));
+}
+
+TEST_F(MemoryHostTest, ZOrderAndGroupingWorkOnTheShapeTree)
+{
+    Shape* a = shapes.AddShape(AutoShape::Rectangle, 10, 10, 100, 50);
+    a->SetName("a");
+    Shape* b = shapes.AddShape(AutoShape::Rectangle, 200, 100, 50, 50);
+    b->SetName("b");
+    b->ZOrder(ZOrderCmd::SendToBack);
+    EXPECT_EQ(shapes.Item(1)->Name(), "b");
+    b->ZOrder(ZOrderCmd::BringToFront);
+    EXPECT_EQ(shapes.Item(shapes.Count())->Name(), "b");
+
+    const int before = shapes.Count();
+    Shape* group = shapes.Group({"a", "b"});
+    group->SetName("tallix chart 2");
+    EXPECT_EQ(shapes.Count(), before - 1);
+    EXPECT_EQ(group->Kind(), ShapeKind::Group);
+    EXPECT_EQ(QRectF(group->Left(), group->Top(), group->Width(), group->Height()), QRectF(10, 10, 240, 140));
+    EXPECT_EQ(errorNumber([&] { shapes.Item("a"); }), ErrNo::ItemNotFound); // inside the group now
+    group->SetLeft(20); // the group moves as one
+    EXPECT_EQ(group->Left(), 20);
+}
+
+TEST_F(MemoryHostTest, DeletingAShapeTakesItsAnimationAndUnusedPictureAlong)
+{
+    Shape* pic = shapes.AddPicture(png, 0, -1, 0, 0, 10, 10);
+    Shape* keep = shapes.AddShape(AutoShape::Rectangle, 0, 0, 10, 10);
+    const int picId = pic->Id(), keepId = keep->Id();
+    // One click that fades in the picture and then the rectangle.
+    Package& pkg = host.deck().package();
+    const QString part = host.deck().slidePart(slide.SlideID());
+    auto effect = [](int id) {
+        return QStringLiteral("<p:par><p:cTn id=\"%1\" presetID=\"10\" presetClass=\"entr\" nodeType=\"clickEffect\">"
+                              "<p:childTnLst><p:set><p:cBhvr><p:cTn id=\"9%1\"/><p:tgtEl><p:spTgt spid=\"%1\"/></p:tgtEl>"
+                              "</p:cBhvr></p:set></p:childTnLst></p:cTn></p:par>").arg(id);
+    };
+    const QString timing = QStringLiteral(
+        "<p:timing><p:tnLst><p:par><p:cTn id=\"1\" nodeType=\"tmRoot\"><p:childTnLst><p:seq><p:cTn id=\"2\" nodeType=\"mainSeq\">"
+        "<p:childTnLst><p:par><p:cTn id=\"3\"><p:childTnLst>%1%2</p:childTnLst></p:cTn></p:par></p:childTnLst></p:cTn></p:seq>"
+        "</p:childTnLst></p:cTn></p:par></p:tnLst><p:bldLst><p:bldP spid=\"%3\" grpId=\"0\"/><p:bldP spid=\"%4\" grpId=\"0\"/></p:bldLst></p:timing>")
+                               .arg(effect(picId), effect(keepId)).arg(picId).arg(keepId);
+    QByteArray xml = pkg.bytes(part);
+    xml.replace("<p:clrMapOvr>", ("<p:clrMapOvr>"));
+    xml.replace("</p:clrMapOvr>", "</p:clrMapOvr>" + timing.toUtf8());
+    pkg.setXml(part, xml);
+    EXPECT_TRUE(pic->Animate());
+    EXPECT_EQ(slide.MainSequenceCount(), 2);
+
+    pic->Delete();
+    EXPECT_FALSE(pkg.has("ppt/media/image1.png"));
+    EXPECT_EQ(slide.MainSequenceCount(), 1);
+    EXPECT_TRUE(keep->Animate());
+    EXPECT_EQ(QString::fromUtf8(pkg.bytes(part)).count("bldP"), 1);
+
+    keep->SetAnimate(false); // the last effect goes, and the timeline with it
+    EXPECT_FALSE(QString::fromUtf8(pkg.bytes(part)).contains("timing"));
+}
+
+TEST_F(MemoryHostTest, TextIsReadAndWrittenByParagraph)
+{
+    TextFrame& text = *shapes.Item("Content Placeholder 2")->GetTextFrame();
+    text.SetText("Apple\r\nBanana\rCherry\nDate");
+    EXPECT_EQ(text.ParagraphCount(), 4);
+    EXPECT_EQ(text.Text(), "Apple\rBanana\rCherry\rDate");
+    EXPECT_EQ(text.Paragraph(2), "Banana");
+    EXPECT_EQ(text.Length(), 24);
+    // The body placeholder's font comes from the master's body style and the theme.
+    const Font font = text.GetFont();
+    EXPECT_EQ(font.Size, 28);
+    EXPECT_EQ(font.Name, "Liberation Sans");
+    EXPECT_EQ(shapes.Item("Content Placeholder 2")->PlaceholderFormatType(), PlaceholderType::Object);
+    EXPECT_EQ(shapes.Item("Title 1")->PlaceholderFormatType(), PlaceholderType::Title);
+}
+
+TEST_F(MemoryHostTest, ThemeColoursAreBlueGreenRed)
+{
+    EXPECT_EQ(pres.ThemeColorScheme(ThemeColor::Accent1), 0xC47244); // 4472C4
+    EXPECT_EQ(pres.ThemeColorScheme(ThemeColor::Dark1), 0);
+    EXPECT_EQ(pres.ThemeColorScheme(ThemeColor::Light1), 0xFFFFFF);
+    EXPECT_EQ(errorNumber([&] { pres.ThemeColorScheme(13); }), ErrNo::InvalidProcedureCall);
+    EXPECT_EQ(pres.GetPageSetup().SlideWidth, 960);
+    EXPECT_EQ(pres.GetPageSetup().SlideHeight, 540);
+}
+
+TEST_F(MemoryHostTest, NotesPageIsMadeWhenMissing)
+{
+    Shapes& notes = *slide.NotesPage();
+    ASSERT_EQ(notes.Count(), 2);
+    Shape* body = notes.Item(2);
+    EXPECT_EQ(body->PlaceholderFormatType(), PlaceholderType::Body);
+    body->GetTextFrame()->SetText("speaker notes");
+    Deck again = reread(host.deck());
+    const QString part = again.notesPart(again.slideIdAt(1), false);
+    ASSERT_FALSE(part.isEmpty());
+    EXPECT_EQ(Deck::paragraphs(Deck::textBody(again.shapes(part).at(1))), QStringList{"speaker notes"});
+    // A second notes page shares the notes master.
+    pres.GetSlides()->Item(2)->NotesPage()->Count();
+    EXPECT_FALSE(host.deck().package().has("ppt/notesMasters/notesMaster2.xml"));
+}
+
+TEST_F(MemoryHostTest, ShowStateFollowsGotoAndNext)
+{
+    EXPECT_EQ(host.SlideShowWindowsCount(), 0);
+    pres.RunSlideShow();
+    ASSERT_EQ(host.SlideShowWindowsCount(), 1);
+    View& view = *host.SlideShowWindows(1)->GetView();
+    EXPECT_EQ(view.GetSlide()->SlideIndex(), 1);
+    view.Next();
+    EXPECT_EQ(view.GetSlide()->SlideIndex(), 2);
+    view.Next(); // stays on the last slide
+    EXPECT_EQ(view.GetSlide()->SlideIndex(), 2);
+    view.GotoSlide(1);
+    EXPECT_EQ(view.GetSlide()->SlideIndex(), 1);
+    EXPECT_EQ(errorNumber([&] { view.GotoSlide(3); }), ErrNo::ItemNotFound);
+    // The document window keeps its own slide.
+    EXPECT_EQ(host.Windows(1)->GetView()->GetSlide()->SlideIndex(), 1);
+    host.ClosePresentation();
+    EXPECT_EQ(host.PresentationsCount(), 0);
+    EXPECT_EQ(errorNumber([&] { host.ActivePresentation(); }), ErrNo::HostUnexpected);
+}
+
+TEST_F(MemoryHostTest, MacrosRunThroughTheConfiguredHook)
+{
+    QStringList ran, logged;
+    host.config().runMacro = [&](const QString& m) { ran << m; };
+    host.config().log = [&](const QString& l) { logged << l; };
+    host.Run("instaGraph");
+    EXPECT_EQ(ran, QStringList{"instaGraph"});
+    EXPECT_EQ(logged.size(), 1);
+    EXPECT_FALSE(host.CommandBarItemChecked("Menu Bar|&Quilmark|&Voting Results|Vote history dialog box"));
+    EXPECT_EQ(host.Version(), "16.0");
+}
+
+TEST_F(MemoryHostTest, CopiedPictureIsPastedWithItsImage)
+{
+    Shape* pic = shapes.AddPicture(png, 0, -1, 5, 5, 50, 50);
+    pic->SetName("tallix chart");
+    pic->Copy();
+    Shapes& other = *pres.GetSlides()->Item(2)->GetShapes();
+    Shape* pasted = other.Paste();
+    EXPECT_EQ(pasted->Name(), "tallix chart");
+    EXPECT_EQ(pasted->Left(), 5);
+    pic->Delete(); // the pasted copy keeps its own image
+    Deck again = reread(host.deck());
+    const QString part = again.slidePart(again.slideIdAt(2));
+    const auto rels = again.package().rels(part);
+    bool image = false;
+    for (const Relationship& r : rels)
+        if (r.type == Rel::Image)
+            image = again.package().bytes(again.package().resolve(part, r.target)) == OnePixelPng();
+    EXPECT_TRUE(image);
+}
+
+} // namespace

@@ -1,0 +1,284 @@
+#include "host_fixtures.h"
+
+#include "foundation/vb_error.h"
+#include "host/pptx_host.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QSet>
+#include <QTemporaryDir>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+using namespace tallix;
+using namespace tallix::host;
+using namespace tallix::host::test;
+
+namespace {
+
+// Known children of `node` must come in the schema's order.
+void expectSchemaOrder(pugi::xml_node node, const QStringList& order, const QString& where)
+{
+    int last = -1;
+    for (pugi::xml_node c : node.children()) {
+        if (c.type() != pugi::node_element)
+            continue;
+        const int at = order.indexOf(LocalName(c));
+        if (at < 0)
+            continue;
+        EXPECT_GE(at, last) << where.toStdString() << ": " << c.name() << " out of order";
+        last = qMax(last, at);
+    }
+}
+
+void expectDeckOrder(Deck& deck, qint64 slideId)
+{
+    Package& pkg = deck.package();
+    QString presentation;
+    for (const Relationship& r : pkg.rels(QString()))
+        if (r.type == Rel::OfficeDocument)
+            presentation = pkg.resolve(QString(), r.target);
+    expectSchemaOrder(pkg.xml(presentation).document_element(),
+                      {"sldMasterIdLst", "notesMasterIdLst", "handoutMasterIdLst", "sldIdLst", "sldSz", "notesSz",
+                       "smartTags", "embeddedFontLst", "custShowLst", "photoAlbum", "custDataLst", "kinsoku",
+                       "defaultTextStyle", "modifyVerifier", "extLst"},
+                      presentation);
+    const QString slide = deck.slidePart(slideId);
+    pugi::xml_node sld = pkg.xml(slide).document_element();
+    expectSchemaOrder(sld, {"cSld", "clrMapOvr", "transition", "timing", "extLst"}, slide);
+    expectSchemaOrder(Child(sld, "cSld"), {"bg", "spTree", "custDataLst", "controls", "extLst"}, slide);
+    for (pugi::xml_node list : {Child(Child(sld, "cSld"), "custDataLst"),
+                                Child(pkg.xml(presentation).document_element(), "custDataLst")})
+        expectSchemaOrder(list, {"custData", "tags"}, slide);
+    for (pugi::xml_node s : deck.shapes(slide)) {
+        if (LocalName(s) == "pic")
+            expectSchemaOrder(s, {"nvPicPr", "blipFill", "spPr", "style", "extLst"}, slide);
+        if (LocalName(s) == "grpSp")
+            expectSchemaOrder(s, {"nvGrpSpPr", "grpSpPr", "sp", "grpSp", "graphicFrame", "cxnSp", "pic", "contentPart", "extLst"}, slide);
+    }
+}
+
+class PptxHostTest : public ::testing::Test {
+protected:
+    QTemporaryDir dir;
+    QString deckPath = dir.filePath("talk.pptx");
+    QString png = WriteFile(dir.filePath("chart.png"), OnePixelPng());
+    void SetUp() override { WriteFile(deckPath, Deck::blank(2).toZip()); }
+};
+
+TEST_F(PptxHostTest, EveryTestDeckTakesChangesAndKeepsTheRest)
+{
+    const QDir decks(TestDecksDir());
+    if (!decks.exists())
+        GTEST_SKIP() << "no test decks at " << decks.path().toStdString();
+    const QString votes = "16/11/2026,02:31:12,3;X;-;Red|Blue;\r\n16/11/2026,02:40:00,1;1;2;-;\r\n";
+    for (const QString& name : decks.entryList({"*.pptx"})) {
+        SCOPED_TRACE(name.toStdString());
+        const QString copy = dir.filePath(name);
+        QFile::copy(decks.filePath(name), copy);
+        QFile::setPermissions(copy, QFile::ReadOwner | QFile::WriteOwner);
+        const Package before = Package::fromFile(copy);
+
+        QString deleted;
+        qint64 slideId = 0;
+        {
+            PptxHost host(copy);
+            Presentation& pres = *host.ActivePresentation();
+            pres.GetTags()->Add("tlxVoteTerminated", "Vote finished\r\n4242");
+            Slide& slide = *pres.GetSlides()->Item(1);
+            slideId = slide.SlideID();
+            Shapes& shapes = *slide.GetShapes();
+            if (shapes.Count() > 0) {
+                deleted = shapes.Item(1)->Name();
+                shapes.Item(1)->SetName("tlx doomed");
+                shapes.Item(1)->Delete();
+            }
+            slide.GetTags()->Add("TLXVOTES", votes);
+            Shape* hidden = shapes.AddPicture(png, 0, -1, 0, 0, 0, 0);
+            hidden->SetVisible(false);
+            hidden->SetLeft(12);
+            hidden->SetTop(34);
+            hidden->SetWidth(300);
+            hidden->SetHeight(200);
+            hidden->SetName("tallix chart");
+            shapes.AddPicture(png, 0, -1, 40, 40, 80, 60)->SetName("tallix iteration 1");
+            shapes.AddPicture(png, 0, -1, 140, 40, 80, 60)->SetName("tallix iteration 2");
+            shapes.Group({"tallix iteration 1", "tallix iteration 2"})->SetName("tallix chart 2");
+            ASSERT_EQ(host.Detach(), "");
+        }
+
+        const Package after = Package::fromFile(copy);
+        const QSet<QString> mayChange{"[Content_Types].xml", "ppt/presentation.xml", "ppt/_rels/presentation.xml.rels"};
+        Deck reopened = Deck::fromFile(copy);
+        const QString slidePart = reopened.slidePart(slideId);
+        for (const QString& part : before.partNames()) {
+            if (mayChange.contains(part) || part == slidePart || part == Package::relsName(slidePart) ||
+                part.startsWith("ppt/tags/"))
+                continue;
+            if (!after.has(part)) {
+                EXPECT_TRUE(part.startsWith("ppt/media/")) << "lost " << part.toStdString();
+                continue;
+            }
+            EXPECT_EQ(after.bytes(part), before.bytes(part)) << "changed " << part.toStdString();
+        }
+
+        EXPECT_EQ(reopened.tag(0, "TLXVOTETERMINATED"), "Vote finished\r\n4242");
+        EXPECT_EQ(reopened.tag(slideId, "tlxvotes"), votes);
+        pugi::xml_node chart = reopened.findShape(slidePart, "tallix chart");
+        ASSERT_TRUE(chart);
+        EXPECT_TRUE(Deck::shapeHidden(chart));
+        EXPECT_EQ(reopened.geometry(slidePart, chart), QRectF(12, 34, 300, 200));
+        pugi::xml_node group = reopened.findShape(slidePart, "tallix chart 2");
+        ASSERT_TRUE(group);
+        EXPECT_EQ(Deck::kindName(group), "group");
+        EXPECT_FALSE(reopened.findShape(slidePart, "tlx doomed"));
+        expectDeckOrder(reopened, slideId);
+        // Every picture the slide points at is in the package.
+        for (const Relationship& r : reopened.package().rels(slidePart))
+            if (r.type == Rel::Image)
+                EXPECT_TRUE(reopened.package().has(reopened.package().resolve(slidePart, r.target))) << r.target.toStdString();
+    }
+}
+
+TEST_F(PptxHostTest, StartUpAndReadingWriteNothing)
+{
+    const QByteArray bytes = ReadFile(deckPath);
+    const QDateTime modified = QFileInfo(deckPath).lastModified();
+    {
+        PptxHost host(deckPath);
+        Presentation& pres = *host.ActivePresentation();
+        pres.GetSlides()->Item(1)->GetShapes()->Item(1)->Name();
+        pres.GetTags()->Item("tlxVoteTerminated");
+        EXPECT_TRUE(host.Commit());
+        EXPECT_EQ(host.Detach(), "");
+    }
+    EXPECT_EQ(ReadFile(deckPath), bytes);
+    EXPECT_EQ(QFileInfo(deckPath).lastModified(), modified);
+}
+
+TEST_F(PptxHostTest, TwoProcessesAppendingVotesKeepBothLines)
+{
+    PptxHost first(deckPath), second(deckPath);
+    Tags& a = *first.ActivePresentation()->GetSlides()->Item(1)->GetTags();
+    Tags& b = *second.ActivePresentation()->GetSlides()->Item(1)->GetTags();
+    // SaveVotes' pattern: the old value plus a line.
+    a.Add("TLXVOTES", a.Item("TLXVOTES") + "line A\r\n");
+    a.Add("TLXVOTES", a.Item("TLXVOTES") + "line A2\r\n");
+    b.Add("TLXVOTES", b.Item("TLXVOTES") + "line B\r\n");
+    second.ActivePresentation()->GetSlides()->Item(2)->GetShapes()->Item("Title 1")->SetName("tlx_question");
+    ASSERT_TRUE(first.Commit());
+    ASSERT_TRUE(second.Commit()); // reloads what the first wrote, then makes its changes again
+    EXPECT_EQ(b.Item("TLXVOTES"), "line A\r\nline A2\r\nline B\r\n");
+
+    Deck onDisk = Deck::fromFile(deckPath);
+    EXPECT_EQ(onDisk.tag(onDisk.slideIdAt(1), "TLXVOTES"), "line A\r\nline A2\r\nline B\r\n");
+    EXPECT_TRUE(onDisk.findShape(onDisk.slidePart(onDisk.slideIdAt(2)), "tlx_question"));
+    // The first process takes the second's changes in when told to.
+    EXPECT_TRUE(first.ReloadIfChanged());
+    EXPECT_EQ(a.Item("TLXVOTES"), "line A\r\nline A2\r\nline B\r\n");
+}
+
+TEST_F(PptxHostTest, ALockedDeckKeepsChangesPendingThenWritesThemBesideIt)
+{
+    PptxHost host(deckPath);
+    host.SetLockWait(20);
+    QStringList logged;
+    host.config().log = [&](const QString& l) { logged << l; };
+    const QByteArray bytes = ReadFile(deckPath);
+
+    const int fd = ::open(QFile::encodeName(host.LockPath()).constData(), O_RDWR | O_CREAT, 0644);
+    ASSERT_EQ(::flock(fd, LOCK_EX), 0);
+    host.ActivePresentation()->GetTags()->Add("tlxVoteTerminated", "Vote finished\r\n1");
+    EXPECT_FALSE(host.Commit());
+    EXPECT_EQ(host.PendingCount(), 1);
+    EXPECT_EQ(ReadFile(deckPath), bytes);
+    EXPECT_EQ(logged.size(), 1);
+
+    const QString unsaved = host.Detach(20);
+    ASSERT_FALSE(unsaved.isEmpty());
+    EXPECT_EQ(QFileInfo(unsaved).fileName(),
+              QStringLiteral("talk.unsaved-%1.pptx").arg(QCoreApplication::applicationPid()));
+    EXPECT_EQ(Deck::fromFile(unsaved).tag(0, "tlxVoteTerminated"), "Vote finished\r\n1");
+    EXPECT_EQ(ReadFile(deckPath), bytes);
+    ::flock(fd, LOCK_UN);
+    ::close(fd);
+}
+
+TEST_F(PptxHostTest, MacroRunCommitsFirst)
+{
+    PptxHost host(deckPath);
+    bool written = false;
+    host.config().runMacro = [&](const QString&) { written = Deck::fromFile(deckPath).tag(0, "x") == "1"; };
+    host.ActivePresentation()->GetTags()->Add("x", "1");
+    host.Run("InstaQ");
+    EXPECT_TRUE(written);
+}
+
+TEST_F(PptxHostTest, ChangesToAShapeAnotherProcessDeletedAreDropped)
+{
+    PptxHost first(deckPath), second(deckPath);
+    first.ActivePresentation()->GetSlides()->Item(1)->GetShapes()->Item("Title 1")->Delete();
+    ASSERT_TRUE(first.Commit());
+    second.ActivePresentation()->GetSlides()->Item(1)->GetShapes()->Item("Title 1")->SetVisible(false);
+    second.ActivePresentation()->GetTags()->Add("after", "yes");
+    ASSERT_TRUE(second.Commit());
+    Deck onDisk = Deck::fromFile(deckPath);
+    EXPECT_FALSE(onDisk.findShape(onDisk.slidePart(onDisk.slideIdAt(1)), "Title 1"));
+    EXPECT_EQ(onDisk.tag(0, "after"), "yes");
+}
+
+TEST_F(PptxHostTest, MalformedDecksAreRefusedWithOneClearError)
+{
+    auto variant = [](const std::function<void(Package&)>& change) {
+        Deck deck = Deck::blank(1);
+        change(deck.package());
+        return deck.toZip();
+    };
+    const QByteArray good = Deck::blank(1).toZip();
+    struct Case {
+        const char* what;
+        QByteArray bytes;
+        const char* message;
+    };
+    const Case cases[] = {
+        {"text file", "just some text, not a zip", "not a zip"},
+        {"empty file", "", "not a zip"},
+        {"truncated zip", good.left(good.size() / 2), "not a zip"},
+        {"zip without presentationml", variant([](Package& p) {
+             p.setBytes("[Content_Types].xml",
+                        "<Types xmlns=\"http://schemas.openxmlformats.org/package/2006/content-types\">"
+                        "<Default Extension=\"xml\" ContentType=\"application/xml\"/></Types>");
+         }), "no presentationml"},
+        {"broken slide XML", variant([](Package& p) { p.setBytes("ppt/slides/slide1.xml", "<p:sld><p:cSld>"); }),
+         "broken XML in ppt/slides/slide1.xml"},
+        {"relationship to a missing part", variant([](Package& p) { p.remove("ppt/slideLayouts/slideLayout1.xml"); }),
+         "missing part ppt/slideLayouts/slideLayout1.xml"},
+        {"missing slide", variant([](Package& p) { p.remove("ppt/slides/slide1.xml"); }), "missing part"},
+        {"zip bomb", variant([](Package& p) { p.setBytes("ppt/media/bomb.bin", QByteArray(64 * 1024 * 1024, '\0')); }),
+         "zip bomb"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        WriteFile(deckPath, c.bytes);
+        try {
+            PptxHost host(deckPath);
+            ADD_FAILURE() << "opened";
+        } catch (const PackageError& e) {
+            EXPECT_TRUE(e.message().contains(c.message)) << e.message().toStdString();
+            EXPECT_TRUE(e.message().contains(deckPath)) << e.message().toStdString();
+        }
+        EXPECT_EQ(ReadFile(deckPath), c.bytes);
+    }
+}
+
+TEST_F(PptxHostTest, TotalSizeCapStopsAnInflatingDeck)
+{
+    PackageLimits limits;
+    limits.maxTotalUncompressed = 10000;
+    EXPECT_THROW(PptxHost(deckPath, {}, limits), PackageError);
+}
+
+} // namespace

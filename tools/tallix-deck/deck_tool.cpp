@@ -1,0 +1,448 @@
+#include "deck_tool.h"
+
+#include "foundation/host.h"
+#include "foundation/safe_write.h"
+#include "foundation/vb_error.h"
+#include "host/pptx_host.h"
+
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QRegularExpression>
+#include <functional>
+#include <pugixml.hpp>
+
+namespace tallix::deck {
+
+using namespace tallix::host;
+
+namespace {
+
+const QString kQuestionSentence = QStringLiteral("This slide is a tallix question");
+
+struct UsageError {
+    QString text;
+};
+
+const char* const kMainHelp =
+    "usage: tallix-deck COMMAND ...\n"
+    "commands:\n"
+    "  new OUT.pptx --slides N          a blank 16:9 deck of N slides\n"
+    "  question DECK.pptx SLIDE --settings FILE.xml [--answers \"A|B|C\"] [--title TEXT]\n"
+    "           [--chart-area L,T,W,H]  make a slide a question slide\n"
+    "  tags DECK.pptx [SLIDE] [--set NAME=VALUE] [--delete NAME] [--json]\n"
+    "  shapes DECK.pptx SLIDE [--json]\n"
+    "  votes DECK.pptx SLIDE [--json]\n"
+    "  export-csv DECK.pptx OUT.csv\n"
+    "Each command takes --help.\n";
+
+const QMap<QString, QString> kHelp{
+    {"new", "usage: tallix-deck new OUT.pptx --slides N\n"
+            "Writes a valid blank deck (16:9, one title-and-content layout, a theme) with N slides.\n"},
+    {"question", "usage: tallix-deck question DECK.pptx SLIDE --settings FILE.xml [--answers \"A|B|C\"]\n"
+                 "                            [--title TEXT] [--chart-area L,T,W,H]\n"
+                 "Stores the settings document in the slide's tag tlxVote, marks the notes, and\n"
+                 "places the shapes tlx_question, tlx_answers (one paragraph per answer) and\n"
+                 "\"tallix chart sample\" (at the chart area, in points).\n"},
+    {"tags", "usage: tallix-deck tags DECK.pptx [SLIDE] [--set NAME=VALUE]... [--delete NAME]... [--json]\n"
+             "Changes and lists the tags of the presentation, or of slide SLIDE.\n"},
+    {"shapes", "usage: tallix-deck shapes DECK.pptx SLIDE [--json]\n"
+               "Lists the shapes of a slide: name, kind, visible, left, top, width, height (points), text.\n"},
+    {"votes", "usage: tallix-deck votes DECK.pptx SLIDE [--json]\n"
+              "Lists the saved vote lines of a slide, and the answer of each keypad in the last one.\n"},
+    {"export-csv", "usage: tallix-deck export-csv DECK.pptx OUT.csv\n"
+                   "Writes every saved vote of every question slide: slide, question, date, time,\n"
+                   "keypad, answer.\n"},
+};
+
+// Options and positional arguments of one command.
+struct Args {
+    QStringList positional;
+    QMultiMap<QString, QString> options;
+    bool flag(const QString& name) const { return options.contains(name); }
+    QString value(const QString& name) const { return options.value(name); }
+};
+
+Args parse(const QStringList& args, const QStringList& withValue, const QStringList& flags)
+{
+    Args out;
+    for (int i = 0; i < args.size(); ++i) {
+        const QString& a = args[i];
+        if (!a.startsWith("--") || a == "--") {
+            out.positional << a;
+            continue;
+        }
+        QString name = a.mid(2), value;
+        const int eq = name.indexOf('=');
+        if (eq >= 0) {
+            value = name.mid(eq + 1);
+            name = name.left(eq);
+        }
+        if (flags.contains(name)) {
+            out.options.insert(name, QString());
+        } else if (withValue.contains(name)) {
+            if (eq < 0) {
+                if (i + 1 >= args.size())
+                    throw UsageError{QStringLiteral("--%1 needs a value").arg(name)};
+                value = args[++i];
+            }
+            out.options.insert(name, value);
+        } else {
+            throw UsageError{QStringLiteral("unknown option --%1").arg(name)};
+        }
+    }
+    return out;
+}
+
+int slideNumber(const QString& text, Presentation& pres)
+{
+    bool ok = false;
+    const int n = text.toInt(&ok);
+    if (!ok || n < 1 || n > pres.GetSlides()->Count())
+        throw UsageError{QStringLiteral("no slide %1 (the deck has %2)").arg(text).arg(pres.GetSlides()->Count())};
+    return n;
+}
+
+void need(const Args& a, int count, const QString& command)
+{
+    if (a.positional.size() != count)
+        throw UsageError{QStringLiteral("wrong arguments\n") + kHelp.value(command)};
+}
+
+void print(QTextStream& out, const QJsonValue& value)
+{
+    out << (value.isArray() ? QJsonDocument(value.toArray()) : QJsonDocument(value.toObject()))
+               .toJson(QJsonDocument::Indented);
+}
+
+Shape* findShape(Shapes& shapes, const std::function<bool(Shape&)>& test)
+{
+    for (int i = 1; i <= shapes.Count(); ++i)
+        if (test(*shapes.Item(i)))
+            return shapes.Item(i);
+    return nullptr;
+}
+
+// The first element of that name anywhere in the settings document.
+QString settingsText(const pugi::xml_document& doc, const char* name)
+{
+    pugi::xml_node n = doc.find_node([&](pugi::xml_node c) { return QByteArray(c.name()).compare(name, Qt::CaseInsensitive) == 0; });
+    return QString::fromUtf8(n.child_value()).trimmed();
+}
+
+int cmdNew(const QStringList& argv, QTextStream& out)
+{
+    const Args a = parse(argv, {"slides"}, {});
+    need(a, 1, "new");
+    bool ok = false;
+    const int slides = a.value("slides").toInt(&ok);
+    if (!ok || slides < 1 || slides > 500)
+        throw UsageError{QStringLiteral("--slides needs a number from 1 to 500")};
+    const QString failure = SafeWriteFile(a.positional[0], Deck::blank(slides).toZip());
+    if (!failure.isEmpty())
+        throw UsageError{failure};
+    out << "wrote " << a.positional[0] << " with " << slides << " slide(s)\n";
+    return 0;
+}
+
+int cmdQuestion(const QStringList& argv, QTextStream& out)
+{
+    const Args a = parse(argv, {"settings", "answers", "title", "chart-area"}, {});
+    need(a, 2, "question");
+    if (!a.flag("settings"))
+        throw UsageError{QStringLiteral("--settings FILE.xml is required")};
+    QFile file(a.value("settings"));
+    if (!file.open(QIODevice::ReadOnly))
+        throw UsageError{QStringLiteral("cannot read %1: %2").arg(file.fileName(), file.errorString())};
+    const QByteArray xmlBytes = file.readAll();
+    pugi::xml_document settings;
+    if (const pugi::xml_parse_result r = settings.load_buffer(xmlBytes.constData(), size_t(xmlBytes.size())); !r)
+        throw UsageError{QStringLiteral("%1 is not well-formed XML: %2").arg(file.fileName(), QString::fromUtf8(r.description()))};
+
+    PptxHost host(a.positional[0]);
+    Presentation& pres = *host.ActivePresentation();
+    Slide& slide = *pres.GetSlides()->Item(slideNumber(a.positional[1], pres));
+    const PageSetup page = pres.GetPageSetup();
+    QRectF chart(page.SlideWidth * 0.52, page.SlideHeight * 0.25, page.SlideWidth * 0.43, page.SlideHeight * 0.65);
+    if (a.flag("chart-area")) {
+        const QStringList parts = a.value("chart-area").split(',');
+        QList<double> v;
+        for (const QString& p : parts) {
+            bool ok = false;
+            v << p.trimmed().toDouble(&ok);
+            if (!ok)
+                break;
+        }
+        if (v.size() != 4 || parts.size() != 4 || v[2] <= 0 || v[3] <= 0)
+            throw UsageError{QStringLiteral("--chart-area needs L,T,W,H in points")};
+        chart = QRectF(v[0], v[1], v[2], v[3]);
+    }
+
+    SaveSettingsToSlide(slide, QString::fromUtf8(xmlBytes));
+
+    Shapes& shapes = *slide.GetShapes();
+    QString title = a.flag("title") ? a.value("title") : settingsText(settings, "Question");
+    if (title.isEmpty())
+        title = QStringLiteral("Question %1").arg(slide.SlideIndex());
+    Shape* question = findShape(shapes, [](Shape& s) { return s.Name() == "tlx_question"; });
+    if (!question)
+        question = findShape(shapes, [](Shape& s) {
+            return s.PlaceholderFormatType() == PlaceholderType::Title ||
+                   s.PlaceholderFormatType() == PlaceholderType::CenterTitle;
+        });
+    if (!question)
+        question = shapes.AddTextbox(page.SlideWidth * 0.05, page.SlideHeight * 0.05, page.SlideWidth * 0.9,
+                                     page.SlideHeight * 0.15);
+    question->SetName("tlx_question");
+    question->GetTextFrame()->SetText(title);
+
+    QStringList answers = a.flag("answers") ? a.value("answers").split('|') : QStringList();
+    if (!a.flag("answers"))
+        for (const QString& line : settingsText(settings, "Answers").split(QRegularExpression("[\r\n]+"), Qt::SkipEmptyParts))
+            answers << line.trimmed();
+    Shape* list = findShape(shapes, [](Shape& s) { return s.Name() == "tlx_answers"; });
+    if (!list)
+        list = findShape(shapes, [](Shape& s) {
+            const int t = s.PlaceholderFormatType();
+            return s.HasTextFrame() && (t == PlaceholderType::Object || t == PlaceholderType::Body);
+        });
+    if (!list)
+        list = shapes.AddTextbox(page.SlideWidth * 0.05, chart.top(), page.SlideWidth * 0.45, chart.height());
+    list->SetName("tlx_answers");
+    list->SetLeft(page.SlideWidth * 0.05);
+    list->SetTop(chart.top());
+    list->SetWidth(qMax(36.0, chart.left() - page.SlideWidth * 0.07));
+    list->SetHeight(chart.height());
+    list->GetTextFrame()->SetText(answers.join('\r'));
+
+    Shape* sample = findShape(shapes, [](Shape& s) { return s.Name() == "tallix chart sample"; });
+    if (!sample) {
+        sample = shapes.AddShape(AutoShape::Rectangle, chart.left(), chart.top(), chart.width(), chart.height());
+        sample->SetName("tallix chart sample");
+    }
+    sample->SetLeft(chart.left());
+    sample->SetTop(chart.top());
+    sample->SetWidth(chart.width());
+    sample->SetHeight(chart.height());
+
+    if (!host.Commit())
+        throw UsageError{QStringLiteral("%1 is locked by another process; nothing written").arg(a.positional[0])};
+    out << "slide " << slide.SlideIndex() << " of " << a.positional[0] << " is a question slide\n";
+    return 0;
+}
+
+int cmdTags(const QStringList& argv, QTextStream& out)
+{
+    const Args a = parse(argv, {"set", "delete"}, {"json"});
+    if (a.positional.size() < 1 || a.positional.size() > 2)
+        throw UsageError{QStringLiteral("wrong arguments\n") + kHelp.value("tags")};
+    const bool changes = a.flag("set") || a.flag("delete");
+    std::unique_ptr<PptxHost> host = std::make_unique<PptxHost>(a.positional[0]);
+    Presentation& pres = *host->ActivePresentation();
+    Tags& tags = a.positional.size() == 2 ? *pres.GetSlides()->Item(slideNumber(a.positional[1], pres))->GetTags()
+                                          : *pres.GetTags();
+    // Options apply in the order given.
+    for (int i = 0; i < argv.size(); ++i) {
+        QString arg = argv[i], value;
+        if (arg == "--set" || arg == "--delete")
+            value = argv.value(++i);
+        else if (arg.startsWith("--set=") || arg.startsWith("--delete="))
+            value = arg.section('=', 1), arg = arg.section('=', 0, 0);
+        else
+            continue;
+        if (arg == "--delete") {
+            tags.Delete(value);
+            continue;
+        }
+        const int eq = value.indexOf('=');
+        if (eq <= 0)
+            throw UsageError{QStringLiteral("--set needs NAME=VALUE")};
+        tags.Add(value.left(eq), value.mid(eq + 1));
+    }
+    if (changes && !host->Commit())
+        throw UsageError{QStringLiteral("%1 is locked by another process; nothing written").arg(a.positional[0])};
+    if (a.flag("json")) {
+        QJsonObject o;
+        for (int i = 1; i <= tags.Count(); ++i)
+            o.insert(tags.Name(i), tags.Value(i));
+        print(out, o);
+    } else if (!changes) {
+        for (int i = 1; i <= tags.Count(); ++i)
+            out << tags.Name(i) << '=' << tags.Value(i) << '\n';
+    }
+    return 0;
+}
+
+int cmdShapes(const QStringList& argv, QTextStream& out)
+{
+    const Args a = parse(argv, {}, {"json"});
+    need(a, 2, "shapes");
+    PptxHost host(a.positional[0]);
+    Presentation& pres = *host.ActivePresentation();
+    Shapes& shapes = *pres.GetSlides()->Item(slideNumber(a.positional[1], pres))->GetShapes();
+    QJsonArray list;
+    for (int i = 1; i <= shapes.Count(); ++i) {
+        Shape& s = *shapes.Item(i);
+        const QString text = s.HasTextFrame() ? s.GetTextFrame()->Text() : QString();
+        if (a.flag("json")) {
+            list.append(QJsonObject{{"name", s.Name()}, {"kind", ShapeKindName(s.Kind())}, {"visible", s.Visible()},
+                                    {"left", s.Left()}, {"top", s.Top()}, {"width", s.Width()},
+                                    {"height", s.Height()}, {"text", text}});
+        } else {
+            out << QStringLiteral("%1\t%2\t%3\t%4,%5 %6x%7\t%8\n")
+                       .arg(s.Name(), ShapeKindName(s.Kind()), s.Visible() ? "visible" : "hidden")
+                       .arg(s.Left()).arg(s.Top()).arg(s.Width()).arg(s.Height())
+                       .arg(QString(text).replace('\r', " / "));
+        }
+    }
+    if (a.flag("json"))
+        print(out, list);
+    return 0;
+}
+
+int cmdVotes(const QStringList& argv, QTextStream& out)
+{
+    const Args a = parse(argv, {}, {"json"});
+    need(a, 2, "votes");
+    PptxHost host(a.positional[0]);
+    Presentation& pres = *host.ActivePresentation();
+    const QStringList lines =
+        VoteLines(pres.GetSlides()->Item(slideNumber(a.positional[1], pres))->GetTags()->Item("TLXVOTES"));
+    if (a.flag("json")) {
+        print(out, QJsonArray::fromStringList(lines));
+        return 0;
+    }
+    for (const QString& line : lines)
+        out << line << '\n';
+    if (!lines.isEmpty()) {
+        const QStringList tokens = VoteTokens(lines.last());
+        for (int k = 0; k < tokens.size(); ++k)
+            out << "keypad " << k + 1 << ": " << tokens[k] << '\n';
+    }
+    return 0;
+}
+
+QString csvField(const QString& s)
+{
+    if (!s.contains(QRegularExpression("[\",\r\n]")))
+        return s;
+    return '"' + QString(s).replace("\"", "\"\"") + '"';
+}
+
+int cmdExportCsv(const QStringList& argv, QTextStream& out)
+{
+    const Args a = parse(argv, {}, {});
+    need(a, 2, "export-csv");
+    PptxHost host(a.positional[0]);
+    Slides& slides = *host.ActivePresentation()->GetSlides();
+    QString csv = QStringLiteral("slide,question,date,time,keypad,answer\r\n");
+    int rows = 0;
+    for (int i = 1; i <= slides.Count(); ++i) {
+        Slide& slide = *slides.Item(i);
+        if (slide.GetTags()->Item("TLXVOTE").isEmpty())
+            continue;
+        QString question;
+        try {
+            question = slide.GetShapes()->Item("tlx_question")->GetTextFrame()->Text();
+        } catch (const VbError&) {
+            // A question slide without its question shape still has its votes.
+        }
+        for (const QString& line : VoteLines(slide.GetTags()->Item("TLXVOTES"))) {
+            const QStringList fields = line.split(',');
+            const QStringList tokens = VoteTokens(line);
+            for (int k = 0; k < tokens.size(); ++k) {
+                if (tokens[k] == "-")
+                    continue; // not voted
+                csv += QStringList{QString::number(i), csvField(question), csvField(fields.value(0)),
+                                   csvField(fields.value(1)), QString::number(k + 1), csvField(tokens[k])}
+                           .join(',') + "\r\n";
+                ++rows;
+            }
+        }
+    }
+    const QString failure = SafeWriteFile(a.positional[1], csv.toUtf8());
+    if (!failure.isEmpty())
+        throw UsageError{failure};
+    out << "wrote " << rows << " vote(s) to " << a.positional[1] << '\n';
+    return 0;
+}
+
+} // namespace
+
+QStringList VoteLines(const QString& tagValue)
+{
+    QString text = tagValue;
+    text.replace("\r\n", "\n").replace('\r', '\n');
+    QStringList lines = text.split('\n');
+    while (!lines.isEmpty() && lines.last().isEmpty())
+        lines.removeLast();
+    return lines;
+}
+
+QStringList VoteTokens(const QString& line)
+{
+    QStringList tokens = line.section(',', 2, 2).split(';');
+    if (!tokens.isEmpty() && tokens.last().isEmpty())
+        tokens.removeLast(); // every token ends in ";"
+    return tokens;
+}
+
+void SaveSettingsToSlide(Slide& slide, const QString& xml)
+{
+    slide.GetTags()->Delete("tlxVote");
+    slide.GetTags()->Add("tlxVote", xml);
+    Shapes& notes = *slide.NotesPage();
+    for (int i = 1; i <= notes.Count(); ++i) {
+        Shape& s = *notes.Item(i);
+        // The body placeholder carries the speaker's notes; the slide-number and
+        // header placeholders of a notes page have text frames too and stay as they are.
+        const int type = s.PlaceholderFormatType();
+        if (!s.HasTextFrame() || (type != PlaceholderType::Body && type != PlaceholderType::Object))
+            continue;
+        QString text;
+        try {
+            text = s.GetTextFrame()->Text();
+        } catch (const VbError&) {
+        }
+        if (!text.contains(kQuestionSentence, Qt::CaseInsensitive))
+            s.GetTextFrame()->SetText(text + "\r\n" + kQuestionSentence);
+    }
+}
+
+int RunDeckTool(const QStringList& args, QTextStream& out, QTextStream& err)
+{
+    if (args.isEmpty() || args[0] == "--help" || args[0] == "-h" || args[0] == "help") {
+        (args.isEmpty() ? err : out) << kMainHelp;
+        return args.isEmpty() ? 2 : 0;
+    }
+    const QString command = args[0];
+    const QStringList rest = args.mid(1);
+    if (!kHelp.contains(command)) {
+        err << "tallix-deck: unknown command " << command << "\n" << kMainHelp;
+        return 2;
+    }
+    if (rest.contains("--help") || rest.contains("-h")) {
+        out << kHelp.value(command);
+        return 0;
+    }
+    try {
+        if (command == "new") return cmdNew(rest, out);
+        if (command == "question") return cmdQuestion(rest, out);
+        if (command == "tags") return cmdTags(rest, out);
+        if (command == "shapes") return cmdShapes(rest, out);
+        if (command == "votes") return cmdVotes(rest, out);
+        return cmdExportCsv(rest, out);
+    } catch (const UsageError& e) {
+        err << "tallix-deck " << command << ": " << e.text << '\n';
+        return 2;
+    } catch (const PackageError& e) {
+        err << "tallix-deck " << command << ": " << e.message() << '\n';
+        return 1;
+    } catch (const VbError& e) {
+        err << "tallix-deck " << command << ": " << e.description() << '\n';
+        return 1;
+    }
+}
+
+} // namespace tallix::deck

@@ -1,0 +1,26 @@
+#pragma once
+// The commands of tallix-deck, callable from tests: each takes the arguments after
+// the program name and writes to the given streams; the result is the exit code.
+
+#include <QString>
+#include <QStringList>
+#include <QTextStream>
+
+namespace tallix::host {
+class Slide;
+}
+
+namespace tallix::deck {
+
+int RunDeckTool(const QStringList& args, QTextStream& out, QTextStream& err);
+
+// Stores a question's settings document in the slide's tag and marks its notes.
+// Mirrors SaveXMLtoPPTSlide of the question code; the program switches to that one.
+void SaveSettingsToSlide(host::Slide& slide, const QString& xml);
+
+// The lines of a saved-votes tag: split at CR LF, CR or LF, trailing breaks dropped.
+QStringList VoteLines(const QString& tagValue);
+// The keypad tokens of one saved-votes line, keypad 1 first.
+QStringList VoteTokens(const QString& line);
+
+} // namespace tallix::deck
