@@ -149,9 +149,12 @@ ConfigResult ParseControllerConfig(const QString& text, const QString& fileName)
     const QStringList lines = QString(text).replace("\r\n", "\n").split('\n');
     for (int i = 0; i < lines.size(); ++i) {
         const int ln = i + 1;
-        const QString line = lines[i].trimmed();
+        QString line = lines[i].trimmed();
         if (line.isEmpty() || line.startsWith(';') || line.startsWith('#'))
             continue;
+        // A comment after a header or a value, as most ini files allow.
+        if (const qsizetype semi = line.indexOf(" ;"); semi >= 0)
+            line = line.left(semi).trimmed();
         if (line.startsWith('[')) {
             if (!line.endsWith(']')) {
                 p.error(ln, QString("section header \"%1\" has no closing ]").arg(line));
@@ -189,11 +192,7 @@ ConfigResult ParseControllerConfig(const QString& text, const QString& fileName)
             continue;
         }
         const QString key = line.left(eq).trimmed();
-        QString value = line.mid(eq + 1).trimmed();
-        // A trailing comment after the value, as in most ini files.
-        const qsizetype semi = value.indexOf(" ;");
-        if (semi >= 0)
-            value = value.left(semi).trimmed();
+        const QString value = line.mid(eq + 1).trimmed();
         const QString k = key.toLower();
 
         if (section == Section::None) {

@@ -101,7 +101,7 @@ int TlxctrlMain(int argc, char** argv)
     const QCommandLineOption idleOpt("idle-exit", "Exit after SECONDS with no client (default 600; 0: never).", "SECONDS", "600");
     const QCommandLineOption socketOpt("socket", "Listen at PATH instead of the usual controller socket.", "PATH");
     const QCommandLineOption quitOpt("quit", "Tell the running controller to end, and wait for it.");
-    const QCommandLineOption detachOpt("detach", "Leave the starter's session, as a controller started on first use does.");
+    const QCommandLineOption detachOpt("detach", "Leave the starter's session, as a controller started on first use does; without --log, log beside the socket.");
     const QCommandLineOption printOpt("print-baseinfo", "Print the BaseInfo reply the configuration gives, and exit.");
     parser.addOptions({configOpt, simulateOpt, scriptOpt, logOpt, seedOpt, idleOpt, socketOpt, quitOpt, detachOpt, printOpt});
     if (!parser.parse(app.arguments())) {
@@ -209,8 +209,12 @@ int TlxctrlMain(int argc, char** argv)
     ::sigaction(SIGINT, &sa, nullptr);
     std::signal(SIGPIPE, SIG_IGN);
 
+    // A detached controller has no terminal to write to: its log goes beside its socket.
+    QString logPath = parser.value(logOpt);
+    if (logPath.isEmpty() && parser.isSet(detachOpt))
+        logPath = QFileInfo(path).absolutePath() + "/tlxctrl.log";
     SystemClock clock;
-    CommandLog log(clock, parser.value(logOpt));
+    CommandLog log(clock, logPath);
     ControllerCore core(config.config, options, clock, log);
     core.setQuitHandler([] { QTimer::singleShot(0, QCoreApplication::instance(), &QCoreApplication::quit); });
     core.setDieHandler([] { ::_exit(kExitDied); });

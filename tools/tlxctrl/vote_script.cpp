@@ -53,8 +53,8 @@ ScriptResult ParseVoteScript(const QString& text, const QString& fileName)
         const QString trimmed = raw.trimmed();
         if (trimmed.isEmpty() || trimmed.startsWith('#'))
             continue;
-        // Only the separator is eaten: blanks inside and at the end of the text are
-        // part of what the bases send.
+        // Blanks inside and at the end of the text are part of what the bases send;
+        // only those between the time and the text are not.
         qsizetype start = 0;
         while (start < raw.size() && raw[start].isSpace())
             ++start;
@@ -68,11 +68,14 @@ ScriptResult ParseVoteScript(const QString& text, const QString& fileName)
             fail(ln, QString("\"%1\" is not a time in seconds after StartVote").arg(timeText));
             continue;
         }
-        if (sep >= raw.size()) {
+        qsizetype body0 = sep;
+        while (body0 < raw.size() && raw[body0].isSpace())
+            ++body0;
+        if (body0 >= raw.size()) {
             fail(ln, "no text after the time");
             continue;
         }
-        const QString body = raw.mid(sep + 1);
+        const QString body = raw.mid(body0);
         ScriptEntry e;
         e.atMs = std::llround(seconds * 1000.0);
         e.line = ln;

@@ -21,7 +21,7 @@ Offset=100
 Low=1
 High=3
 
-[base0]
+[base0] ; the first base
 type=TALLIX
 offset=0
 low=1

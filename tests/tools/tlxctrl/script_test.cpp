@@ -12,7 +12,7 @@ TEST(TlxctrlScript, LinesBecomeTimedEntriesInTimeOrder)
                                            "2 [3;1],\\r\\n\n"
                                            "0.25 [1;2],[2;4],\\r\\n\n"
                                            "  2\tBASETYPE=KBOARD\\r\\nMAXKEYPADS=5\\r\\n\n"
-                                           "1 !baseerror 2 Base 2 lost contact\n"
+                                           "1    !baseerror 2 Base 2 lost contact\n"
                                            "1.5 !allowedvotes 1,2\n"
                                            "3 \\!literal \\\\ with trailing blank \n"
                                            "9 !die\n");
