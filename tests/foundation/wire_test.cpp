@@ -120,6 +120,20 @@ TEST(WireChannel, DeliversLinesAndFailsSendOncePeerIsGone)
     EXPECT_EQ(got[0].value("count").toInt(), 3);
     EXPECT_EQ(bad.size(), 1);
 
+    // A burst of 10,000 records is one long line that arrives over many reads.
+    QString burst;
+    for (int k = 1; k <= 10'000; ++k)
+        burst += QString("[%1;%2],").arg(k).arg(k % 4 + 1);
+    burst += "\r\n";
+    peer->write(EncodeJsonLine(wire::FromTLXCtrl(burst)));
+    peer->flush();
+    for (int i = 0; i < 500 && got.size() < 2; ++i) {
+        peer->waitForBytesWritten(10);
+        client.waitForReadyRead(10);
+    }
+    ASSERT_EQ(got.size(), 2);
+    EXPECT_EQ(got[1].value("text").toString(), burst);
+
     EXPECT_TRUE(channel.send(wire::Command("options=4")));
     // The very next send fails, before any event has told the client of the loss.
     peer->abort();

@@ -47,9 +47,17 @@ int selectionCount(const VoteSetup& s, std::mt19937& rng, int available)
 
 } // namespace
 
+namespace {
+// Number entry without a numbered list: any number is a vote, whatever the options.
+bool isFreeNumber(const VoteSetup& s)
+{
+    return s.voteType == "11" || (s.voteType == "99" && s.cppOptions && !s.numberedList);
+}
+} // namespace
+
 QString SimulationBlocker(const VoteSetup& s)
 {
-    if (s.voteType == "7")
+    if (s.voteType == "7" || isFreeNumber(s))
         return {};
     if (s.options < 1)
         return "no options announced";
@@ -70,6 +78,9 @@ QString SimulatedValue(const VoteSetup& s, std::mt19937& rng)
     // One keypad in twenty abstains when the vote allows it.
     if (s.abstain && isSingleValueType(t) && RandomInRange(rng, 0, 19) == 0)
         return "X";
+
+    if (isFreeNumber(s) && s.options < 1)
+        return QString::number(RandomInRange(rng, 1, 100));
 
     // Told 99 without CPPOptions or 12: several selections, read one character each
     // (highest option below 10) or closed by "*".

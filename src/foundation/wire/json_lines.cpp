@@ -4,6 +4,8 @@
 #include <QJsonParseError>
 #include <QLocalSocket>
 
+#include <algorithm>
+
 namespace tallix {
 
 QByteArray EncodeJsonLine(const QJsonObject& message)
@@ -17,10 +19,13 @@ QByteArray EncodeJsonLine(const QJsonObject& message)
 QList<JsonLineDecoder::Line> JsonLineDecoder::feed(const QByteArray& bytes)
 {
     QList<Line> out;
+    // Only the new bytes can hold the next "\n": a long line arriving in small pieces
+    // is scanned once, not once per piece.
+    qsizetype scanFrom = buffer_.size();
     buffer_.append(bytes);
     qsizetype start = 0;
     for (;;) {
-        const qsizetype nl = buffer_.indexOf('\n', start);
+        const qsizetype nl = buffer_.indexOf('\n', std::max(start, scanFrom));
         if (nl < 0)
             break;
         QByteArray line = buffer_.mid(start, nl - start);

@@ -235,6 +235,7 @@ TEST(TlxctrlSimulator, EveryRecordIsValidForWhatWasAnnounced)
         {"star selections", {"options=15", "StartFrom=1", "Limits=4", "VoteType=12"}},
         {"numbered list", {"options=20", "StartFrom=1", "VoteType=99", "limits=9", "CPPOptions=1"}},
         {"free number", {"options=10", "StartFrom=1", "VoteType=11", "CPPOptions=1", "Limits=9"}},
+        {"free number, no options", {"VoteType=99", "CPPOptions=1", "Limits=9"}},
         {"text", {"VoteType=7"}},
     };
     for (const auto& c : cases) {

@@ -3,6 +3,8 @@
 #include <QSet>
 #include <QStringList>
 
+#include <climits>
+
 namespace tallix::test {
 
 QList<Record> ParseRecords(const QString& text, QString& error)
@@ -112,6 +114,9 @@ QString CheckValue(const VoteSetup& s, const QString& v)
                 return "selection out of range: " + x;
         return "";
     }
+    const bool freeNumber = t == "11" || (t == "99" && s.cppOptions && !s.numberedList);
+    if (freeNumber && s.options < 1)
+        return intIn(v, INT_MIN, INT_MAX) ? "" : "not a number: " + v;
     return intIn(v, lo, hi) ? "" : "value out of range: " + v;
 }
 
