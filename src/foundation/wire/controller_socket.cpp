@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QProcess>
 
 #include <cerrno>
 #include <cstring>
@@ -54,6 +55,21 @@ QString EnsurePrivateFolder(const QString& path)
         return QString("%1 belongs to another user").arg(path);
     if ((st.st_mode & 0777) != 0700 && ::chmod(native.constData(), 0700) != 0)
         return QString("cannot make %1 private: %2").arg(path, QString::fromLocal8Bit(std::strerror(errno)));
+    return {};
+}
+
+QString ControllerStandInPath(const QString& programFolder)
+{
+    return QDir(programFolder).filePath("tlxctrl");
+}
+
+QString StartControllerStandIn(const QString& programFolder)
+{
+    const QString program = ControllerStandInPath(programFolder);
+    if (!QFileInfo(program).isExecutable())
+        return QString("no controller stand-in at %1").arg(program);
+    if (!QProcess::startDetached(program, {"--detach"}, programFolder))
+        return QString("cannot start %1").arg(program);
     return {};
 }
 

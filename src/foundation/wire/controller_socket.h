@@ -20,4 +20,12 @@ QString ControllerSocketPath(const Environment& env);
 // a one-line reason.
 QString EnsurePrivateFolder(const QString& path);
 
+// The controller stand-in shipped beside the program.
+QString ControllerStandInPath(const QString& programFolder);
+
+// Starts the stand-in detached: it is not the caller's child, outlives the vote process
+// and serves later votes. It inherits the environment, so it listens where the caller
+// looks. Returns an empty string on success, else a one-line reason.
+QString StartControllerStandIn(const QString& programFolder);
+
 } // namespace tallix

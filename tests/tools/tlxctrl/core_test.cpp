@@ -257,8 +257,9 @@ TEST(TlxctrlSimulator, EveryRecordIsValidForWhatWasAnnounced)
             QString error;
             const auto records = test::ParseRecords(text, error);
             ASSERT_TRUE(error.isEmpty()) << error.toStdString();
-            if (setup.voteType == "6")
+            if (setup.voteType == "6") {
                 EXPECT_EQ(records.size(), 1) << "a rating text carries one keypad";
+            }
             for (const auto& r : records) {
                 EXPECT_EQ(test::CheckValue(setup, r.value), "") << r.value.toStdString();
                 EXPECT_TRUE(room.contains(r.keypad)) << r.keypad;
@@ -305,7 +306,7 @@ TEST(TlxctrlSimulator, ABurstIsOneTextWithALinePerBase)
 
 TEST(TlxctrlSimulator, OnlyActiveKeypadsVoteAndSilenceWithoutOptions)
 {
-    for (const QJsonValue list : {QJsonValue("3,105,7,999"), QJsonValue(QJsonArray{3, 105, 7, 999})}) {
+    for (const QJsonValue& list : {QJsonValue("3,105,7,999"), QJsonValue(QJsonArray{3, 105, 7, 999})}) {
         CoreOptions o;
         o.simulate = {10, 100};
         Harness h(o);
