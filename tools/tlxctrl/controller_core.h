@@ -34,7 +34,7 @@ private:
 };
 
 struct CoreOptions {
-    SimulateSpec simulate;        // voters 0: no simulated room
+    SimulatedRoom simulate;        // voters 0: no simulated room
     QList<ScriptEntry> script;
     quint32 seed = 0;
     int idleExitMs = 10 * 60 * 1000; // 0: never

@@ -141,7 +141,7 @@ int TlxctrlMain(int argc, char** argv)
     CoreOptions options;
     if (parser.isSet(simulateOpt)) {
         QString error;
-        if (!ParseSimulateSpec(parser.value(simulateOpt), options.simulate, error)) {
+        if (!ParseSimulateArg(parser.value(simulateOpt), options.simulate, error)) {
             say(error);
             return kExitBadInput;
         }

@@ -117,7 +117,7 @@ QString SimulatedValue(const VoteSetup& s, std::mt19937& rng)
     return QString::number(RandomInRange(rng, lo, hi));
 }
 
-bool ParseSimulateSpec(const QString& text, SimulateSpec& out, QString& error)
+bool ParseSimulateArg(const QString& text, SimulatedRoom& out, QString& error)
 {
     const QStringList parts = text.split(':');
     if (parts.size() > 2) {
@@ -142,8 +142,8 @@ bool ParseSimulateSpec(const QString& text, SimulateSpec& out, QString& error)
     return true;
 }
 
-VoteSimulator::VoteSimulator(Clock& clock, std::mt19937& rng, SimulateSpec spec, Sink sink)
-    : clock_(clock), rng_(rng), spec_(spec), sink_(std::move(sink)), timer_(clock.createTimer())
+VoteSimulator::VoteSimulator(Clock& clock, std::mt19937& rng, SimulatedRoom room, Sink sink)
+    : clock_(clock), rng_(rng), room_(room), sink_(std::move(sink)), timer_(clock.createTimer())
 {
     timer_->setInterval(kTickMs);
     timer_->onTick([this] { tick(); });
@@ -156,7 +156,7 @@ void VoteSimulator::start(const VoteSetup& setup, const QList<int>& keypads, std
     setup_ = setup;
     baseOf_ = std::move(baseOf);
     voters_ = keypads;
-    const int n = std::min<int>(spec_.voters, int(voters_.size()));
+    const int n = std::min<int>(room_.voters, int(voters_.size()));
     for (int i = 0; i < n; ++i)
         std::swap(voters_[i], voters_[RandomInRange(rng_, i, int(voters_.size()) - 1)]);
     voters_ = voters_.mid(0, n);
@@ -182,7 +182,7 @@ void VoteSimulator::setPaused(bool paused)
 void VoteSimulator::tick()
 {
     ++ticks_;
-    const double due = spec_.rate * double(ticks_ * kTickMs) / 1000.0;
+    const double due = room_.rate * double(ticks_ * kTickMs) / 1000.0;
     const int until = std::min<int>(int(voters_.size()), int(std::floor(due + 1e-9)));
     if (until <= next_)
         return;

@@ -26,19 +26,19 @@ QString SimulationBlocker(const VoteSetup& setup);
 // One keypad's value in the grammar its vote type is read by.
 QString SimulatedValue(const VoteSetup& setup, std::mt19937& rng);
 
-struct SimulateSpec {
+struct SimulatedRoom {
     int voters = 0;
     double rate = 10; // records a second
 };
 
 // Reads "N" or "N:RATE"; false with a reason on bad input.
-bool ParseSimulateSpec(const QString& text, SimulateSpec& out, QString& error);
+bool ParseSimulateArg(const QString& text, SimulatedRoom& out, QString& error);
 
 class VoteSimulator {
 public:
     using Sink = std::function<void(const QString& text)>;
     // baseOf maps a keypad number to its base index; records of one base share a line.
-    VoteSimulator(Clock& clock, std::mt19937& rng, SimulateSpec spec, Sink sink);
+    VoteSimulator(Clock& clock, std::mt19937& rng, SimulatedRoom room, Sink sink);
     ~VoteSimulator();
 
     void start(const VoteSetup& setup, const QList<int>& keypads, std::function<int(int)> baseOf);
@@ -55,7 +55,7 @@ private:
 
     Clock& clock_;
     std::mt19937& rng_;
-    SimulateSpec spec_;
+    SimulatedRoom room_;
     Sink sink_;
     std::unique_ptr<IntervalTimer> timer_;
     VoteSetup setup_;
