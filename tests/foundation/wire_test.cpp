@@ -61,13 +61,6 @@ TEST(WirePrivateFolder, CreatesOrTightensAndRefusesWhatIsNotOurFolder)
     EXPECT_NE(EnsurePrivateFolder(file), "");
 }
 
-TEST(WireStandIn, AMissingProgramIsReportedNotStarted)
-{
-    QTemporaryDir tmp;
-    EXPECT_EQ(ControllerStandInPath(tmp.path()), tmp.filePath("tlxctrl"));
-    EXPECT_TRUE(StartControllerStandIn(tmp.path()).contains("no controller stand-in"));
-}
-
 TEST(WireLineDecoder, BuffersPartialLinesAndDropsOnlyTheMalformedOnes)
 {
     JsonLineDecoder d;
