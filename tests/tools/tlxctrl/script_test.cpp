@@ -1,0 +1,68 @@
+#include "vote_script.h"
+
+#include <gtest/gtest.h>
+
+using namespace tallix;
+using Kind = ScriptEntry::Kind;
+
+TEST(TlxctrlScript, LinesBecomeTimedEntriesInTimeOrder)
+{
+    const ScriptResult r = ParseVoteScript("# header\n"
+                                           "\n"
+                                           "2 [3;1],\\r\\n\n"
+                                           "0.25 [1;2],[2;4],\\r\\n\n"
+                                           "  2\tBASETYPE=KBOARD\\r\\nMAXKEYPADS=5\\r\\n\n"
+                                           "1    !baseerror 2 Base 2 lost contact\n"
+                                           "1.5 !allowedvotes 1,2\n"
+                                           "3 \\!literal \\\\ with trailing blank \n"
+                                           "9 !die\n");
+    ASSERT_TRUE(r.ok()) << r.errors.join('\n').toStdString();
+    ASSERT_EQ(r.entries.size(), 7);
+
+    struct Expect {
+        qint64 ms;
+        Kind kind;
+        QString text;
+        int line;
+    } expected[] = {
+        {250, Kind::Text, "[1;2],[2;4],\r\n", 4},
+        {1000, Kind::BaseError, "Base 2 lost contact", 6},
+        {1500, Kind::AllowedVotes, "1,2", 7},
+        {2000, Kind::Text, "[3;1],\r\n", 3},                       // same time: file order kept
+        {2000, Kind::Text, "BASETYPE=KBOARD\r\nMAXKEYPADS=5\r\n", 5},
+        {3000, Kind::Text, "!literal \\ with trailing blank ", 8},
+        {9000, Kind::Die, "", 9},
+    };
+    for (int i = 0; i < 7; ++i) {
+        SCOPED_TRACE(i);
+        EXPECT_EQ(r.entries[i].atMs, expected[i].ms);
+        EXPECT_EQ(r.entries[i].kind, expected[i].kind);
+        EXPECT_EQ(r.entries[i].text, expected[i].text);
+        EXPECT_EQ(r.entries[i].line, expected[i].line);
+    }
+    EXPECT_EQ(r.entries[1].base, 2);
+}
+
+TEST(TlxctrlScript, BadLinesAreNamedAndTheRestStillParses)
+{
+    struct Case {
+        const char* line;
+        const char* reason;
+    } cases[] = {
+        {"soon [1;2],", "\"soon\" is not a time"},
+        {"-1 [1;2],", "\"-1\" is not a time"},
+        {"nan [1;2],", "\"nan\" is not a time"},
+        {"5", "no text after the time"},
+        {"1 [1;2],\\x", "unknown escape \\x"},
+        {"1 [1;2],\\", "lone \\"},
+        {"1 !explode", "unknown directive !explode"},
+        {"1 !baseerror x gone", "!baseerror needs a base index"},
+    };
+    for (const auto& c : cases) {
+        const ScriptResult r = ParseVoteScript(QString("0 [9;1],\\r\\n\n") + c.line + "\n", "s.txt");
+        ASSERT_EQ(r.errors.size(), 1) << c.line;
+        EXPECT_TRUE(r.errors[0].startsWith("s.txt line 2: ")) << r.errors[0].toStdString();
+        EXPECT_TRUE(r.errors[0].contains(c.reason)) << r.errors[0].toStdString();
+        EXPECT_EQ(r.entries.size(), 1) << c.line;
+    }
+}
