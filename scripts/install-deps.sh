@@ -7,7 +7,7 @@ packages=(
   # toolchain
   build-essential cmake ninja-build pkg-config ccache git
   # libraries
-  qt6-base-dev qt6-base-dev-tools libqt6svg6-dev qt6-qpa-plugins libgl-dev
+  qt6-base-dev qt6-base-dev-tools qt6-svg-dev qt6-qpa-plugins libgl-dev
   libpugixml-dev libzip-dev zipcmp libgif-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   # fonts the charts fall back on, and every locale for separator tests

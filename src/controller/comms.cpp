@@ -177,7 +177,7 @@ void Comms::VoteLoaded()
     WriteDebugLog(ctx_, float(CounterSeconds(ctx_, t0, ctx_.clock->perfCounter())), "", kModule, "EndVote");
 }
 
-void Comms::SendCommandToController(const QString& text)
+void Comms::SendCommandToController(const QString& text, const QJsonObject& extra)
 {
     if (ctx_.makeMode)
         return;
@@ -188,7 +188,7 @@ void Comms::SendCommandToController(const QString& text)
         return;
     }
     try {
-        link_.SendCommand(text);
+        link_.SendCommand(text, extra);
     } catch (const ProcessExit&) {
         throw;
     } catch (...) {

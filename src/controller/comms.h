@@ -3,6 +3,7 @@
 // the controller is one text through SendCommandToController; everything it says lands
 // in the buffer `txt_data`, whose change runs the decoder.
 
+#include <QJsonObject>
 #include <QString>
 #include <QStringList>
 
@@ -44,7 +45,7 @@ public:
     bool StartVote();
     void EndVote();
     void VoteLoaded();
-    void SendCommandToController(const QString& text);
+    void SendCommandToController(const QString& text, const QJsonObject& extra = {});
 
     QString txt_VoteCounter = QStringLiteral("0");
     short chk_WaitingForData = 0;

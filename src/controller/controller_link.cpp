@@ -6,11 +6,12 @@
 
 namespace tallix {
 
-void RecordingControllerLink::SendCommand(const QString& text)
+void RecordingControllerLink::SendCommand(const QString& text, const QJsonObject& extra)
 {
     if (failSends)
         Raise(ErrNo::HostUnexpected, QStringLiteral("The controller is not running"));
     sent.append(text);
+    extras.append(extra);
     if (onCommand)
         onCommand(text);
 }

@@ -2,6 +2,8 @@
 // The channel to the controller process, whatever carries it: commands go out one text
 // at a time, in order; text and base events come back through the handlers.
 
+#include <QJsonObject>
+#include <QList>
 #include <QString>
 #include <QStringList>
 
@@ -13,7 +15,8 @@ class ControllerLink {
 public:
     virtual ~ControllerLink() = default;
     // The command operation; raises VbError when the controller cannot be reached.
-    virtual void SendCommand(const QString& text) = 0;
+    // `extra` carries the fields of the one command that has any (ReadActiveKeypads).
+    virtual void SendCommand(const QString& text, const QJsonObject& extra = {}) = 0;
     // The notification that the question is loaded; raises like SendCommand.
     virtual void NotifyVoteLoaded() = 0;
 
@@ -28,10 +31,11 @@ public:
 // For tests: records what is sent; fails on demand, as a controller that went away.
 class RecordingControllerLink final : public ControllerLink {
 public:
-    void SendCommand(const QString& text) override;
+    void SendCommand(const QString& text, const QJsonObject& extra = {}) override;
     void NotifyVoteLoaded() override;
 
     QStringList sent;
+    QList<QJsonObject> extras;
     int voteLoadedCount = 0;
     bool failSends = false;
     // Called after each command is recorded: a scripted controller answers here.

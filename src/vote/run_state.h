@@ -14,6 +14,10 @@
 namespace tallix {
 
 class SettingsDocument;
+namespace host {
+class Application;
+class Presentation;
+} // namespace host
 
 // One answer option of the question.
 struct VoteOption {
@@ -93,6 +97,8 @@ struct RunState {
     bool internalRestart = false;
     bool voteRunning = false;
     bool settingsReady = false;
+    host::Application* oPPT = nullptr;
+    host::Presentation* oPres = nullptr;
     std::unique_ptr<SettingsDocument> settingsDoc;
     qint32 PowerPoint_hWnd = 0;
     qint32 PowerPointSlideShow_hwnd = 0;
@@ -240,6 +246,7 @@ struct RunState {
     qint32 liveLineCount = 0;
     double dynamicChartLastDraw = 0;
     float commsWaitStart = 0;
+    bool voteEndRecorded = false;   // RecordVoteEnd acts once per process
 
     // What the controller reported of its bases
     qint32 maxKeypads = 0;
