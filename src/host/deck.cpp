@@ -778,29 +778,6 @@ QString Deck::notesPart(qint64 id, bool create)
     return notes;
 }
 
-bool Deck::notesAppendOnce(qint64 slideId, const QString& text)
-{
-    const QString part = notesPart(slideId, true);
-    for (pugi::xml_node s : shapes(part)) {
-        pugi::xml_node ph = phOf(s);
-        if (!ph || str(ph.attribute("type").value()) != "body" || !textBody(s))
-            continue;
-        const QString now = paragraphs(textBody(s)).join('\r');
-        if (now.contains(text, Qt::CaseInsensitive))
-            return false;
-        Op op;
-        op.kind = Op::SetText;
-        op.slideId = slideId;
-        op.notes = true;
-        op.shape = shapeName(s);
-        op.shapeId = shapeId(s);
-        op.value = now.isEmpty() ? text : now + "\r\n" + text;
-        apply(op);
-        return true;
-    }
-    return false;
-}
-
 // ---- changes ----
 
 int Deck::nextShapeId(const QString& part)

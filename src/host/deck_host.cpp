@@ -340,7 +340,6 @@ public:
         o.geometry[3] = hgt;
         // The host's own naming: the kind and one less than the new id.
         int next = 1;
-        QSet<int> ids;
         for (pugi::xml_node n : h->deck().shapes(part()))
             next = qMax(next, Deck::shapeId(n) + 1);
         o.name = QStringLiteral("%1 %2").arg(prefix).arg(next - 1);
