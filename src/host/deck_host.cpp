@@ -2,6 +2,7 @@
 
 #include "foundation/vb_error.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 #include <map>
@@ -484,7 +485,13 @@ class ShowWindowImpl : public SlideShowWindow {
 public:
     ShowWindowImpl(DeckHost* host, SlidesImpl* slides) : h(host), view(host, slides, true) {}
     View* GetView() override { return &view; }
-    QRect Rect() const override { return h->config().showWindowRect; }
+    QRect Rect() const override
+    {
+        const HostConfig& c = h->config();
+        if (c.showWindowRect.isValid())
+            return c.showWindowRect;
+        return c.primaryScreenRect ? c.primaryScreenRect() : QRect(0, 0, 1920, 1080);
+    }
     DeckHost* h;
     ViewImpl view;
 };
@@ -582,7 +589,10 @@ DocumentWindow* DeckHost::Windows(int index)
 
 DocumentWindow* DeckHost::ActiveWindow() { return Windows(1); }
 
-QString DeckHost::AddInPath(const QString&) const { return config_.addInPath; }
+QString DeckHost::AddInPath(const QString&) const
+{
+    return config_.addInPath.isEmpty() ? QCoreApplication::applicationDirPath() : config_.addInPath;
+}
 
 bool DeckHost::CommandBarItemChecked(const QString& path) const
 {

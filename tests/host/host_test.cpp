@@ -3,6 +3,7 @@
 #include "foundation/vb_error.h"
 #include "host/deck_host.h"
 
+#include <QCoreApplication>
 #include <QTemporaryDir>
 #include <functional>
 #include <gtest/gtest.h>
@@ -233,6 +234,11 @@ TEST_F(MemoryHostTest, ShowStateFollowsGotoAndNext)
     EXPECT_EQ(errorNumber([&] { view.GotoSlide(3); }), ErrNo::ItemNotFound);
     // The document window keeps its own slide.
     EXPECT_EQ(host.Windows(1)->GetView()->GetSlide()->SlideIndex(), 1);
+    // The show covers the primary screen unless told otherwise.
+    host.config().primaryScreenRect = [] { return QRect(0, 0, 1280, 720); };
+    EXPECT_EQ(host.SlideShowWindows(1)->Rect(), QRect(0, 0, 1280, 720));
+    host.config().showWindowRect = QRect(1280, 0, 800, 600);
+    EXPECT_EQ(host.SlideShowWindows(1)->Rect(), QRect(1280, 0, 800, 600));
     host.ClosePresentation();
     EXPECT_EQ(host.PresentationsCount(), 0);
     EXPECT_EQ(errorNumber([&] { host.ActivePresentation(); }), ErrNo::HostUnexpected);
@@ -248,6 +254,15 @@ TEST_F(MemoryHostTest, MacrosRunThroughTheConfiguredHook)
     EXPECT_EQ(logged.size(), 1);
     EXPECT_FALSE(host.CommandBarItemChecked("Menu Bar|&Quilmark|&Voting Results|Vote history dialog box"));
     EXPECT_EQ(host.Version(), "16.0");
+    EXPECT_EQ(host.AddInPath("tallix"), QCoreApplication::applicationDirPath());
+}
+
+TEST(OwnShapeNames, AreTheTlxAndTallixShapes)
+{
+    for (const char* ours : {"tlx_answers", "TLXloadingLabel", "tallix chart", "reshow 2 Tallix chart 1", "A tallix ratings 1"})
+        EXPECT_TRUE(IsOwnShapeName(ours)) << ours;
+    for (const char* theirs : {"Picture 3", "Title 1", "tl_x", "tal lix"})
+        EXPECT_FALSE(IsOwnShapeName(theirs)) << theirs;
 }
 
 TEST_F(MemoryHostTest, CopiedPictureIsPastedWithItsImage)

@@ -138,9 +138,22 @@ TEST_F(PptxHostTest, EveryTestDeckTakesChangesAndKeepsTheRest)
         expectDeckOrder(reopened, slideId);
         // Every picture the slide points at is in the package.
         for (const Relationship& r : reopened.package().rels(slidePart))
-            if (r.type == Rel::Image)
-                EXPECT_TRUE(reopened.package().has(reopened.package().resolve(slidePart, r.target))) << r.target.toStdString();
+            if (r.type == Rel::Image) {
+                EXPECT_TRUE(reopened.package().has(reopened.package().resolve(slidePart, r.target)))
+                    << r.target.toStdString();
+            }
     }
+}
+
+TEST_F(PptxHostTest, SlideSizeIsReadWhateverTheAttributeOrder)
+{
+    // This deck writes cy before cx.
+    const QString google = TestDecksDir() + "/sc__074_google_slides.pptx";
+    if (!QFile::exists(google))
+        GTEST_SKIP() << "no test decks";
+    PptxHost host(google);
+    EXPECT_EQ(host.ActivePresentation()->GetPageSetup().SlideWidth, 720);
+    EXPECT_EQ(host.ActivePresentation()->GetPageSetup().SlideHeight, 405);
 }
 
 TEST_F(PptxHostTest, StartUpAndReadingWriteNothing)

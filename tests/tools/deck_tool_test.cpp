@@ -202,7 +202,7 @@ TEST_F(DeckToolTest, BadArgumentsAndBadDecksGiveOneMessage)
     }
     EXPECT_EQ(readFile(deck), good);
     EXPECT_EQ(readFile(broken), QByteArray("PK\x03\x04 this is no zip"));
-    for (const QString& command : {"new", "question", "tags", "shapes", "votes", "export-csv"}) {
+    for (const QString command : {"new", "question", "tags", "shapes", "votes", "export-csv"}) {
         EXPECT_EQ(run({command, "--help"}), 0);
         EXPECT_TRUE(out.startsWith("usage: tallix-deck " + command)) << out.toStdString();
     }
