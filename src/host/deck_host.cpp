@@ -308,8 +308,9 @@ public:
     Shape* wrap(pugi::xml_node n) { return wrap(Deck::shapeName(n), Deck::shapeId(n)); }
     Shape* wrap(const QString& name, int id)
     {
-        auto& slot = cache[id];
-        if (!slot || slot->name != name)
+        // Callers keep these objects, so none is ever replaced.
+        auto& slot = cache[{id, name}];
+        if (!slot)
             slot = std::make_unique<ShapeImpl>(h, slideId, notes, name, id);
         return slot.get();
     }
@@ -394,7 +395,7 @@ public:
     DeckHost* h;
     qint64 slideId;
     bool notes;
-    std::map<int, std::unique_ptr<ShapeImpl>> cache;
+    std::map<std::pair<int, QString>, std::unique_ptr<ShapeImpl>> cache;
 };
 
 class SlideImpl : public Slide {
