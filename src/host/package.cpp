@@ -159,6 +159,7 @@ Package Package::fromZip(const QByteArray& zip, const PackageLimits& limits)
         if (!package.parts_.contains(name))
             package.order_ << name;
         package.parts_[name].raw = data;
+        package.parts_[name].sourceIndex = i;
     }
     zip_close(archive); // read-only: discards, and frees the source
     zip_error_fini(&error);
@@ -166,6 +167,7 @@ Package Package::fromZip(const QByteArray& zip, const PackageLimits& limits)
         throw PackageError(failure);
     if (!package.has(kContentTypes))
         throw PackageError(QStringLiteral("not a presentation: the zip has no [Content_Types].xml"));
+    package.source_ = std::make_shared<const QByteArray>(zip);
     return package;
 }
 
@@ -182,6 +184,17 @@ QByteArray Package::toZip() const
         throw PackageError(QStringLiteral("cannot build zip: %1").arg(zipErrorText(&error)));
     }
     zip_source_keep(sink);
+    zip_t* original = nullptr;
+    if (source_) {
+        zip_error_t e;
+        zip_error_init(&e);
+        if (zip_source_t* src = zip_source_buffer_create(source_->constData(), zip_uint64_t(source_->size()), 0, &e)) {
+            original = zip_open_from_source(src, ZIP_RDONLY, &e);
+            if (!original)
+                zip_source_free(src);
+        }
+        zip_error_fini(&e);
+    }
     // libzip reads the buffers at zip_close, so they must outlive the loop.
     std::vector<QByteArray> held;
     held.reserve(size_t(order_.size()));
@@ -191,9 +204,17 @@ QByteArray Package::toZip() const
     names.prepend(kContentTypes);
     QString failure;
     for (const QString& name : names) {
-        held.push_back(bytes(name));
-        const QByteArray& data = held.back();
-        zip_source_t* src = zip_source_buffer(archive, data.constData(), zip_uint64_t(data.size()), 0);
+        const Part& part = *parts_.constFind(name);
+        // An entry nobody changed goes across still compressed: a large deck's
+        // commit then costs little more than a copy.
+        const bool copied = original && part.sourceIndex >= 0 && !part.dirty;
+        zip_source_t* src = nullptr;
+        if (copied) {
+            src = zip_source_zip(archive, original, zip_uint64_t(part.sourceIndex), ZIP_FL_COMPRESSED, 0, -1);
+        } else {
+            held.push_back(bytes(name));
+            src = zip_source_buffer(archive, held.back().constData(), zip_uint64_t(held.back().size()), 0);
+        }
         const QByteArray utf8 = name.toUtf8();
         const zip_int64_t index = src ? zip_file_add(archive, utf8.constData(), src, ZIP_FL_ENC_UTF_8) : -1;
         if (index < 0) {
@@ -202,22 +223,30 @@ QByteArray Package::toZip() const
             failure = QString::fromUtf8(zip_strerror(archive));
             break;
         }
-        zip_set_file_compression(archive, zip_uint64_t(index),
-                                 storedUncompressed(name) ? ZIP_CM_STORE : ZIP_CM_DEFLATE, 0);
+        if (!copied)
+            zip_set_file_compression(archive, zip_uint64_t(index),
+                                     storedUncompressed(name) ? ZIP_CM_STORE : ZIP_CM_DEFLATE, 0);
         // A fixed date keeps equal decks byte-equal.
         zip_file_set_mtime(archive, zip_uint64_t(index), 315532800 + 12 * 3600, 0);
     }
+    auto closeOriginal = [&] {
+        if (original)
+            zip_discard(original);
+    };
     if (!failure.isEmpty()) {
         zip_discard(archive);
         zip_source_free(sink);
+        closeOriginal();
         throw PackageError(QStringLiteral("cannot build zip: %1").arg(failure));
     }
     if (zip_close(archive) != 0) {
         failure = QString::fromUtf8(zip_strerror(archive));
         zip_discard(archive);
         zip_source_free(sink);
+        closeOriginal();
         throw PackageError(QStringLiteral("cannot build zip: %1").arg(failure));
     }
+    closeOriginal();
     QByteArray out;
     zip_stat_t st;
     if (zip_source_open(sink) == 0) {
@@ -281,6 +310,7 @@ void Package::setBytes(const QString& name, const QByteArray& bytes)
     part.raw = bytes;
     part.doc.reset();
     part.dirty = false;
+    part.sourceIndex = -1;
 }
 
 void Package::setXml(const QString& name, const QByteArray& text)
