@@ -193,6 +193,18 @@ QSizeF nativeSize(const QByteArray& d, const QString& ext)
 
 QString escapeXml(const QString& s) { return s.toHtmlEscaped(); }
 
+// XML cannot carry control characters other than TAB, LF and CR, and a deck holding
+// one would not open again anywhere; they are dropped.
+QString xmlSafe(const QString& s)
+{
+    QString out;
+    out.reserve(s.size());
+    for (QChar c : s)
+        if (c.unicode() >= 0x20 || c == '\t' || c == '\n' || c == '\r')
+            out += c;
+    return out;
+}
+
 } // namespace
 
 QString LocalName(pugi::xml_node node)
@@ -988,16 +1000,16 @@ int Deck::apply(const Op& op, const Clip* clip)
             }
             return 0;
         }
-        QString value = op.value;
+        QString value = xmlSafe(op.value);
         if (op.kind == Op::TagAppend && found)
-            value = str(found.attribute("val").value()) + op.value;
+            value = str(found.attribute("val").value()) + value;
         if (!found) {
             found = list.append_child(P(list, "tag").constData());
             found.append_attribute("name");
             found.append_attribute("val");
         }
         // The host writes tag names upper-case; reading compares without case.
-        found.attribute("name") = utf8(op.name.toUpper()).constData();
+        found.attribute("name") = utf8(xmlSafe(op.name).toUpper()).constData();
         found.attribute("val") = utf8(value).constData();
         pkg_.touch(part);
         return 0;
@@ -1143,7 +1155,7 @@ int Deck::apply(const Op& op, const Clip* clip)
     pugi::xml_node nv = cNvPr(shape);
     switch (op.kind) {
     case Op::Rename:
-        nv.attribute("name") = utf8(op.name).constData();
+        nv.attribute("name") = utf8(xmlSafe(op.name)).constData();
         break;
     case Op::SetVisible:
         if (op.number)
@@ -1202,7 +1214,7 @@ int Deck::apply(const Op& op, const Clip* clip)
                     r.append_copy(runProps);
                 else
                     r.append_child(aRPr.constData()).append_attribute("lang") = "en-US";
-                r.append_child(aT.constData()).text() = utf8(lines[i]).constData();
+                r.append_child(aT.constData()).text() = utf8(xmlSafe(lines[i])).constData();
             }
             pugi::xml_node end = p.append_child(aEnd.constData());
             end.append_attribute("lang") = "en-US";

@@ -58,7 +58,10 @@ TEST_F(MemoryHostTest, TagValuesSurviveWritingExactly)
     slide.GetTags()->Add("TLXVOTES", votes);
     pres.GetTags()->Add("tlx_odd", odd);
     pres.GetTags()->Add("empty", "");
+    // A typed answer may carry a control character that XML cannot hold.
+    slide.GetTags()->Add("typed", QString("bell\x07 and nul") + QChar(0) + "!");
     Deck again = reread(host.deck());
+    EXPECT_EQ(again.tag(again.slideIdAt(1), "typed"), "bell and nul!");
     EXPECT_EQ(again.tag(again.slideIdAt(1), "tlxvotes"), votes);
     EXPECT_EQ(again.tag(0, "TLX_ODD"), odd);
     EXPECT_EQ(again.tags(0).size(), 2);
