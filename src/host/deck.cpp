@@ -806,6 +806,10 @@ pugi::xml_node Deck::appendShapeNode(const QString& part, const char* xml)
 {
     pugi::xml_document& doc = pkg_.xml(part);
     pugi::xml_node tree = Child(Child(doc.document_element(), "cSld"), "spTree");
+    // New shapes are written with the usual prefixes; make sure the part binds them.
+    for (const auto& [prefix, uri] : {std::pair{"xmlns:p", Ns::P}, std::pair{"xmlns:a", Ns::A}, std::pair{"xmlns:r", Ns::R}})
+        if (!doc.document_element().attribute(prefix))
+            doc.document_element().append_attribute(prefix) = uri;
     // Parse inside the slide's own namespace declarations.
     QByteArray wrapper = "<w";
     for (pugi::xml_attribute a : doc.document_element().attributes())

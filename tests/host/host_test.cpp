@@ -187,6 +187,9 @@ TEST_F(MemoryHostTest, TextIsReadAndWrittenByParagraph)
     EXPECT_EQ(text.Text(), "Apple\rBanana\rCherry\rDate");
     EXPECT_EQ(text.Paragraph(2), "Banana");
     EXPECT_EQ(text.Length(), 24);
+    text.SetText(QString("one line") + QChar(11) + "broken");
+    EXPECT_EQ(text.ParagraphCount(), 1);
+    EXPECT_EQ(text.Text(), QString("one line") + QChar(11) + "broken");
     // The body placeholder's font comes from the master's body style and the theme.
     const Font font = text.GetFont();
     EXPECT_EQ(font.Size, 28);
