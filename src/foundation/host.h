@@ -284,6 +284,7 @@ public:
     virtual QString Version() const = 0;
     virtual Presentation* ActivePresentation() = 0; // raises when none is open
     virtual int PresentationsCount() const = 0;
+    virtual Presentation* Presentations(const QString& name) = 0; // by `Name`, case ignored
     virtual int SlideShowWindowsCount() const = 0;
     virtual SlideShowWindow* SlideShowWindows(int index) = 0; // 1-based
     virtual int WindowsCount() const = 0;

@@ -302,6 +302,11 @@ void Deck::load()
         checkRels(part);
         slides_.append({id.attribute("id").as_llong(), part});
     }
+    // Every XML part is read now, so a broken one is refused at opening rather than
+    // failing some host call in the middle of a vote.
+    for (const QString& name : pkg_.partNames())
+        if (name.endsWith(".xml", Qt::CaseInsensitive) || name.endsWith(".rels", Qt::CaseInsensitive))
+            pkg_.xml(name);
     pugi::xml_node size = Child(root, "sldSz");
     if (size) {
         slideWidthPt_ = size.attribute("cx").as_llong() / kEmuPerPoint;

@@ -570,6 +570,13 @@ Presentation* DeckHost::ActivePresentation()
 }
 
 int DeckHost::PresentationsCount() const { return open_ ? 1 : 0; }
+
+Presentation* DeckHost::Presentations(const QString& name)
+{
+    if (!open_ || d->presentation.Name().compare(name, Qt::CaseInsensitive) != 0)
+        Raise(ErrNo::ItemNotFound, QStringLiteral("Presentations.Item : Item %1 not found in the Presentations collection.").arg(name));
+    return &d->presentation;
+}
 int DeckHost::SlideShowWindowsCount() const { return open_ && config_.showRunning ? 1 : 0; }
 
 SlideShowWindow* DeckHost::SlideShowWindows(int index)

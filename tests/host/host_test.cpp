@@ -87,6 +87,7 @@ TEST_F(MemoryHostTest, HostErrorsCarryTheHostsNumber)
         {"picture has no text", [&] { shapes.AddPicture(png, 0, -1, 0, 0)->GetTextFrame(); }, ErrNo::HostUnexpected},
         {"no show running", [&] { pres.GetSlideShowWindow(); }, ErrNo::HostUnexpected},
         {"missing picture file", [&] { shapes.AddPicture(dir.filePath("none.png"), 0, -1, 0, 0); }, ErrNo::FileNotFound},
+        {"presentation by another name", [&] { host.Presentations("other.pptx"); }, ErrNo::ItemNotFound},
         {"group of one", [&] { shapes.Group({"Title 1"}); }, ErrNo::HostUnexpected},
     };
     for (const Case& c : cases)

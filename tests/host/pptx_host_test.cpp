@@ -343,6 +343,9 @@ TEST_F(PptxHostTest, MalformedDecksAreRefusedWithOneClearError)
          }), "no presentationml"},
         {"broken slide XML", variant([](Package& p) { p.setBytes("ppt/slides/slide1.xml", "<p:sld><p:cSld>"); }),
          "broken XML in ppt/slides/slide1.xml"},
+        {"broken tags XML", variant([](Package& p) {
+             p.setBytes("ppt/tags/tag1.xml", "<p:tagLst><p:tag name=\"A\" val=\"1\"></p:tagLst>");
+         }), "broken XML in ppt/tags/tag1.xml"},
         {"relationship to a missing part", variant([](Package& p) { p.remove("ppt/slideLayouts/slideLayout1.xml"); }),
          "missing part ppt/slideLayouts/slideLayout1.xml"},
         {"missing slide", variant([](Package& p) { p.remove("ppt/slides/slide1.xml"); }), "missing part"},
