@@ -16,4 +16,10 @@ QString ShapeKindName(ShapeKind kind)
     return QStringLiteral("other");
 }
 
+bool IsOwnShapeName(const QString& name)
+{
+    return name.startsWith(QLatin1String("tlx"), Qt::CaseInsensitive) ||
+           name.contains(QLatin1String("tallix"), Qt::CaseInsensitive);
+}
+
 } // namespace tallix::host

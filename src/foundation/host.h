@@ -94,14 +94,20 @@ struct Font {
 struct HostConfig {
     bool showRunning = false;
     int showSlide = 1;
-    // Empty: the primary screen's rectangle, which the program fills in.
+    // The show window: this rectangle when configured, else the primary screen's,
+    // which the program supplies (the host itself draws nothing).
     QRect showWindowRect;
-    QString addInPath;          // the program's own folder
+    std::function<QRect()> primaryScreenRect;
+    QString addInPath; // empty: the program's own folder
     QStringList checkedCommandBarItems;
     // Runs a macro by name (the program starts the command configured for it).
     std::function<void(const QString& macro)> runMacro;
     std::function<void(const QString& line)> log;
 };
+
+// A shape that this system placed: its name begins with "tlx" or holds "tallix",
+// in any case. Clean-up of shapes the presentation program added never touches one.
+bool IsOwnShapeName(const QString& name);
 
 class Tags {
 public:
@@ -278,6 +284,7 @@ public:
     virtual QString Version() const = 0;
     virtual Presentation* ActivePresentation() = 0; // raises when none is open
     virtual int PresentationsCount() const = 0;
+    virtual Presentation* Presentations(const QString& name) = 0; // by `Name`, case ignored
     virtual int SlideShowWindowsCount() const = 0;
     virtual SlideShowWindow* SlideShowWindows(int index) = 0; // 1-based
     virtual int WindowsCount() const = 0;

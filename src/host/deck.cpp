@@ -193,6 +193,18 @@ QSizeF nativeSize(const QByteArray& d, const QString& ext)
 
 QString escapeXml(const QString& s) { return s.toHtmlEscaped(); }
 
+// XML cannot carry control characters other than TAB, LF and CR, and a deck holding
+// one would not open again anywhere; they are dropped.
+QString xmlSafe(const QString& s)
+{
+    QString out;
+    out.reserve(s.size());
+    for (QChar c : s)
+        if (c.unicode() >= 0x20 || c == '\t' || c == '\n' || c == '\r')
+            out += c;
+    return out;
+}
+
 } // namespace
 
 QString LocalName(pugi::xml_node node)
@@ -290,6 +302,11 @@ void Deck::load()
         checkRels(part);
         slides_.append({id.attribute("id").as_llong(), part});
     }
+    // Every XML part is read now, so a broken one is refused at opening rather than
+    // failing some host call in the middle of a vote.
+    for (const QString& name : pkg_.partNames())
+        if (name.endsWith(".xml", Qt::CaseInsensitive) || name.endsWith(".rels", Qt::CaseInsensitive))
+            pkg_.xml(name);
     pugi::xml_node size = Child(root, "sldSz");
     if (size) {
         slideWidthPt_ = size.attribute("cx").as_llong() / kEmuPerPoint;
@@ -778,29 +795,6 @@ QString Deck::notesPart(qint64 id, bool create)
     return notes;
 }
 
-bool Deck::notesAppendOnce(qint64 slideId, const QString& text)
-{
-    const QString part = notesPart(slideId, true);
-    for (pugi::xml_node s : shapes(part)) {
-        pugi::xml_node ph = phOf(s);
-        if (!ph || str(ph.attribute("type").value()) != "body" || !textBody(s))
-            continue;
-        const QString now = paragraphs(textBody(s)).join('\r');
-        if (now.contains(text, Qt::CaseInsensitive))
-            return false;
-        Op op;
-        op.kind = Op::SetText;
-        op.slideId = slideId;
-        op.notes = true;
-        op.shape = shapeName(s);
-        op.shapeId = shapeId(s);
-        op.value = now.isEmpty() ? text : now + "\r\n" + text;
-        apply(op);
-        return true;
-    }
-    return false;
-}
-
 // ---- changes ----
 
 int Deck::nextShapeId(const QString& part)
@@ -817,6 +811,10 @@ pugi::xml_node Deck::appendShapeNode(const QString& part, const char* xml)
 {
     pugi::xml_document& doc = pkg_.xml(part);
     pugi::xml_node tree = Child(Child(doc.document_element(), "cSld"), "spTree");
+    // New shapes are written with the usual prefixes; make sure the part binds them.
+    for (const auto& [prefix, uri] : {std::pair{"xmlns:p", Ns::P}, std::pair{"xmlns:a", Ns::A}, std::pair{"xmlns:r", Ns::R}})
+        if (!doc.document_element().attribute(prefix))
+            doc.document_element().append_attribute(prefix) = uri;
     // Parse inside the slide's own namespace declarations.
     QByteArray wrapper = "<w";
     for (pugi::xml_attribute a : doc.document_element().attributes())
@@ -1011,16 +1009,16 @@ int Deck::apply(const Op& op, const Clip* clip)
             }
             return 0;
         }
-        QString value = op.value;
+        QString value = xmlSafe(op.value);
         if (op.kind == Op::TagAppend && found)
-            value = str(found.attribute("val").value()) + op.value;
+            value = str(found.attribute("val").value()) + value;
         if (!found) {
             found = list.append_child(P(list, "tag").constData());
             found.append_attribute("name");
             found.append_attribute("val");
         }
         // The host writes tag names upper-case; reading compares without case.
-        found.attribute("name") = utf8(op.name.toUpper()).constData();
+        found.attribute("name") = utf8(xmlSafe(op.name).toUpper()).constData();
         found.attribute("val") = utf8(value).constData();
         pkg_.touch(part);
         return 0;
@@ -1166,7 +1164,7 @@ int Deck::apply(const Op& op, const Clip* clip)
     pugi::xml_node nv = cNvPr(shape);
     switch (op.kind) {
     case Op::Rename:
-        nv.attribute("name") = utf8(op.name).constData();
+        nv.attribute("name") = utf8(xmlSafe(op.name)).constData();
         break;
     case Op::SetVisible:
         if (op.number)
@@ -1225,7 +1223,7 @@ int Deck::apply(const Op& op, const Clip* clip)
                     r.append_copy(runProps);
                 else
                     r.append_child(aRPr.constData()).append_attribute("lang") = "en-US";
-                r.append_child(aT.constData()).text() = utf8(lines[i]).constData();
+                r.append_child(aT.constData()).text() = utf8(xmlSafe(lines[i])).constData();
             }
             pugi::xml_node end = p.append_child(aEnd.constData());
             end.append_attribute("lang") = "en-US";

@@ -101,10 +101,6 @@ public:
     // when the slide or shape is not there.
     int apply(const Op& op, const Clip* clip = nullptr);
 
-    // Text of a notes page's body placeholder, appended with CR LF when `text` is
-    // not in it yet (case ignored).
-    bool notesAppendOnce(qint64 slideId, const QString& text);
-
 private:
     void load();
     QString presentationPart_;

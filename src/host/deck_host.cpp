@@ -2,6 +2,7 @@
 
 #include "foundation/vb_error.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 #include <map>
@@ -307,8 +308,9 @@ public:
     Shape* wrap(pugi::xml_node n) { return wrap(Deck::shapeName(n), Deck::shapeId(n)); }
     Shape* wrap(const QString& name, int id)
     {
-        auto& slot = cache[id];
-        if (!slot || slot->name != name)
+        // Callers keep these objects, so none is ever replaced.
+        auto& slot = cache[{id, name}];
+        if (!slot)
             slot = std::make_unique<ShapeImpl>(h, slideId, notes, name, id);
         return slot.get();
     }
@@ -340,7 +342,6 @@ public:
         o.geometry[3] = hgt;
         // The host's own naming: the kind and one less than the new id.
         int next = 1;
-        QSet<int> ids;
         for (pugi::xml_node n : h->deck().shapes(part()))
             next = qMax(next, Deck::shapeId(n) + 1);
         o.name = QStringLiteral("%1 %2").arg(prefix).arg(next - 1);
@@ -394,7 +395,7 @@ public:
     DeckHost* h;
     qint64 slideId;
     bool notes;
-    std::map<int, std::unique_ptr<ShapeImpl>> cache;
+    std::map<std::pair<int, QString>, std::unique_ptr<ShapeImpl>> cache;
 };
 
 class SlideImpl : public Slide {
@@ -485,7 +486,13 @@ class ShowWindowImpl : public SlideShowWindow {
 public:
     ShowWindowImpl(DeckHost* host, SlidesImpl* slides) : h(host), view(host, slides, true) {}
     View* GetView() override { return &view; }
-    QRect Rect() const override { return h->config().showWindowRect; }
+    QRect Rect() const override
+    {
+        const HostConfig& c = h->config();
+        if (c.showWindowRect.isValid())
+            return c.showWindowRect;
+        return c.primaryScreenRect ? c.primaryScreenRect() : QRect(0, 0, 1920, 1080);
+    }
     DeckHost* h;
     ViewImpl view;
 };
@@ -563,6 +570,13 @@ Presentation* DeckHost::ActivePresentation()
 }
 
 int DeckHost::PresentationsCount() const { return open_ ? 1 : 0; }
+
+Presentation* DeckHost::Presentations(const QString& name)
+{
+    if (!open_ || d->presentation.Name().compare(name, Qt::CaseInsensitive) != 0)
+        Raise(ErrNo::ItemNotFound, QStringLiteral("Presentations.Item : Item %1 not found in the Presentations collection.").arg(name));
+    return &d->presentation;
+}
 int DeckHost::SlideShowWindowsCount() const { return open_ && config_.showRunning ? 1 : 0; }
 
 SlideShowWindow* DeckHost::SlideShowWindows(int index)
@@ -583,7 +597,10 @@ DocumentWindow* DeckHost::Windows(int index)
 
 DocumentWindow* DeckHost::ActiveWindow() { return Windows(1); }
 
-QString DeckHost::AddInPath(const QString&) const { return config_.addInPath; }
+QString DeckHost::AddInPath(const QString&) const
+{
+    return config_.addInPath.isEmpty() ? QCoreApplication::applicationDirPath() : config_.addInPath;
+}
 
 bool DeckHost::CommandBarItemChecked(const QString& path) const
 {

@@ -18,6 +18,7 @@ public:
     QString Version() const override { return QStringLiteral("16.0"); }
     Presentation* ActivePresentation() override;
     int PresentationsCount() const override;
+    Presentation* Presentations(const QString& name) override;
     int SlideShowWindowsCount() const override;
     SlideShowWindow* SlideShowWindows(int index) override;
     int WindowsCount() const override;

@@ -84,88 +84,109 @@ Package Package::fromFile(const QString& path, const PackageLimits& limits)
     }
 }
 
+namespace {
+
+zip_t* openArchive(const QByteArray& zip, QString* reason)
+{
+    zip_error_t error;
+    zip_error_init(&error);
+    zip_t* archive = nullptr;
+    if (zip_source_t* source = zip_source_buffer_create(zip.constData(), zip_uint64_t(zip.size()), 0, &error)) {
+        archive = zip_open_from_source(source, ZIP_RDONLY, &error);
+        if (!archive)
+            zip_source_free(source);
+    }
+    if (!archive && reason)
+        *reason = zipErrorText(&error);
+    zip_error_fini(&error);
+    return archive;
+}
+
+// One entry, inflated; reads a byte past the declared size so a lying header is caught.
+QByteArray readEntry(zip_t* archive, zip_uint64_t index, const QString& name, qint64 size)
+{
+    zip_file_t* entry = zip_fopen_index(archive, index, 0);
+    if (!entry)
+        throw PackageError(QStringLiteral("cannot read zip entry %1 (%2)")
+                               .arg(name, QString::fromUtf8(zip_strerror(archive))));
+    QByteArray data(size + 1, Qt::Uninitialized);
+    qint64 got = 0;
+    while (got < data.size()) {
+        const zip_int64_t n = zip_fread(entry, data.data() + got, zip_uint64_t(data.size() - got));
+        if (n < 0) {
+            const QString reason = QString::fromUtf8(zip_file_strerror(entry));
+            zip_fclose(entry);
+            throw PackageError(QStringLiteral("corrupt zip entry %1 (%2)").arg(name, reason));
+        }
+        if (n == 0)
+            break;
+        got += n;
+    }
+    zip_fclose(entry);
+    if (got != size)
+        throw PackageError(QStringLiteral("zip entry %1 does not match its declared size").arg(name));
+    data.truncate(size);
+    return data;
+}
+
+// The parts read at once: everything the model parses. Pictures and other media are
+// inflated only when asked for, which keeps start-up on a heavy deck short.
+bool readEagerly(const QString& name)
+{
+    return name.endsWith(".xml", Qt::CaseInsensitive) || name.endsWith(".rels", Qt::CaseInsensitive);
+}
+
+} // namespace
+
 Package Package::fromZip(const QByteArray& zip, const PackageLimits& limits)
 {
     if (!zip.startsWith("PK"))
         throw PackageError(QStringLiteral("not a presentation: not a zip file"));
-    zip_error_t error;
-    zip_error_init(&error);
-    zip_source_t* source = zip_source_buffer_create(zip.constData(), zip_uint64_t(zip.size()), 0, &error);
-    if (!source)
-        throw PackageError(QStringLiteral("not a zip file (%1)").arg(zipErrorText(&error)));
-    zip_t* archive = zip_open_from_source(source, ZIP_RDONLY, &error);
-    if (!archive) {
-        zip_source_free(source);
-        const QString reason = zipErrorText(&error);
-        zip_error_fini(&error);
+    QString reason;
+    zip_t* archive = openArchive(zip, &reason);
+    if (!archive)
         throw PackageError(QStringLiteral("not a presentation: not a zip file (%1)").arg(reason));
-    }
     Package package;
     QString failure;
-    const zip_int64_t count = zip_get_num_entries(archive, 0);
-    if (count > limits.maxEntries)
-        failure = QStringLiteral("too many entries in the zip (%1)").arg(count);
-    qint64 total = 0;
-    for (zip_int64_t i = 0; failure.isEmpty() && i < count; ++i) {
-        zip_stat_t st;
-        if (zip_stat_index(archive, zip_uint64_t(i), 0, &st) != 0) {
-            failure = QStringLiteral("unreadable zip entry %1").arg(i);
-            break;
+    try {
+        const zip_int64_t count = zip_get_num_entries(archive, 0);
+        if (count > limits.maxEntries)
+            throw PackageError(QStringLiteral("too many entries in the zip (%1)").arg(count));
+        qint64 total = 0;
+        for (zip_int64_t i = 0; i < count; ++i) {
+            zip_stat_t st;
+            if (zip_stat_index(archive, zip_uint64_t(i), 0, &st) != 0)
+                throw PackageError(QStringLiteral("unreadable zip entry %1").arg(i));
+            const QString name = QString::fromUtf8(st.name);
+            if (name.endsWith('/'))
+                continue; // folder entries carry nothing
+            const qint64 size = qint64(st.size);
+            const double ratio = double(size) / double(qMax<zip_uint64_t>(st.comp_size, 1));
+            total += size;
+            if (total > limits.maxTotalUncompressed)
+                throw PackageError(QStringLiteral("refused: the zip inflates beyond %1 bytes")
+                                       .arg(limits.maxTotalUncompressed));
+            if (size > limits.ratioFloor && ratio > limits.maxRatio)
+                throw PackageError(QStringLiteral("refused: entry %1 inflates %2 times (a zip bomb?)")
+                                       .arg(name).arg(qint64(ratio)));
+            if (!package.parts_.contains(name))
+                package.order_ << name;
+            Part& part = package.parts_[name];
+            part.sourceIndex = i;
+            part.size = size;
+            part.loaded = readEagerly(name) || name == kContentTypes;
+            if (part.loaded)
+                part.raw = readEntry(archive, zip_uint64_t(i), name, size);
         }
-        const QString name = QString::fromUtf8(st.name);
-        if (name.endsWith('/'))
-            continue; // folder entries carry nothing
-        const qint64 size = qint64(st.size);
-        total += size;
-        if (total > limits.maxTotalUncompressed) {
-            failure = QStringLiteral("refused: the zip inflates beyond %1 bytes")
-                          .arg(limits.maxTotalUncompressed);
-            break;
-        }
-        if (size > limits.ratioFloor && double(size) > limits.maxRatio * double(qMax<zip_uint64_t>(st.comp_size, 1))) {
-            failure = QStringLiteral("refused: entry %1 inflates %2 times (a zip bomb?)")
-                          .arg(name)
-                          .arg(qint64(double(size) / double(qMax<zip_uint64_t>(st.comp_size, 1))));
-            break;
-        }
-        zip_file_t* entry = zip_fopen_index(archive, zip_uint64_t(i), 0);
-        if (!entry) {
-            failure = QStringLiteral("cannot read zip entry %1 (%2)")
-                          .arg(name, QString::fromUtf8(zip_strerror(archive)));
-            break;
-        }
-        // Read one byte beyond the declared size, so a header that lies is caught.
-        QByteArray data(size + 1, Qt::Uninitialized);
-        qint64 got = 0;
-        while (got < data.size()) {
-            const zip_int64_t n = zip_fread(entry, data.data() + got, zip_uint64_t(data.size() - got));
-            if (n < 0) {
-                failure = QStringLiteral("corrupt zip entry %1 (%2)")
-                              .arg(name, QString::fromUtf8(zip_file_strerror(entry)));
-                break;
-            }
-            if (n == 0)
-                break;
-            got += n;
-        }
-        zip_fclose(entry);
-        if (!failure.isEmpty())
-            break;
-        if (got != size) {
-            failure = QStringLiteral("zip entry %1 does not match its declared size").arg(name);
-            break;
-        }
-        data.truncate(size);
-        if (!package.parts_.contains(name))
-            package.order_ << name;
-        package.parts_[name].raw = data;
+    } catch (const PackageError& e) {
+        failure = e.message();
     }
-    zip_close(archive); // read-only: discards, and frees the source
-    zip_error_fini(&error);
+    zip_discard(archive);
     if (!failure.isEmpty())
         throw PackageError(failure);
     if (!package.has(kContentTypes))
         throw PackageError(QStringLiteral("not a presentation: the zip has no [Content_Types].xml"));
+    package.source_ = std::make_shared<const QByteArray>(zip);
     return package;
 }
 
@@ -182,6 +203,7 @@ QByteArray Package::toZip() const
         throw PackageError(QStringLiteral("cannot build zip: %1").arg(zipErrorText(&error)));
     }
     zip_source_keep(sink);
+    zip_t* original = source_ ? openArchive(*source_, nullptr) : nullptr;
     // libzip reads the buffers at zip_close, so they must outlive the loop.
     std::vector<QByteArray> held;
     held.reserve(size_t(order_.size()));
@@ -191,9 +213,17 @@ QByteArray Package::toZip() const
     names.prepend(kContentTypes);
     QString failure;
     for (const QString& name : names) {
-        held.push_back(bytes(name));
-        const QByteArray& data = held.back();
-        zip_source_t* src = zip_source_buffer(archive, data.constData(), zip_uint64_t(data.size()), 0);
+        const Part& part = *parts_.constFind(name);
+        // An entry nobody changed goes across still compressed: a large deck's
+        // commit then costs little more than a copy.
+        const bool copied = original && part.sourceIndex >= 0 && !part.dirty;
+        zip_source_t* src = nullptr;
+        if (copied) {
+            src = zip_source_zip(archive, original, zip_uint64_t(part.sourceIndex), ZIP_FL_COMPRESSED, 0, -1);
+        } else {
+            held.push_back(bytes(name));
+            src = zip_source_buffer(archive, held.back().constData(), zip_uint64_t(held.back().size()), 0);
+        }
         const QByteArray utf8 = name.toUtf8();
         const zip_int64_t index = src ? zip_file_add(archive, utf8.constData(), src, ZIP_FL_ENC_UTF_8) : -1;
         if (index < 0) {
@@ -202,22 +232,30 @@ QByteArray Package::toZip() const
             failure = QString::fromUtf8(zip_strerror(archive));
             break;
         }
-        zip_set_file_compression(archive, zip_uint64_t(index),
-                                 storedUncompressed(name) ? ZIP_CM_STORE : ZIP_CM_DEFLATE, 0);
+        if (!copied)
+            zip_set_file_compression(archive, zip_uint64_t(index),
+                                     storedUncompressed(name) ? ZIP_CM_STORE : ZIP_CM_DEFLATE, 0);
         // A fixed date keeps equal decks byte-equal.
         zip_file_set_mtime(archive, zip_uint64_t(index), 315532800 + 12 * 3600, 0);
     }
+    auto closeOriginal = [&] {
+        if (original)
+            zip_discard(original);
+    };
     if (!failure.isEmpty()) {
         zip_discard(archive);
         zip_source_free(sink);
+        closeOriginal();
         throw PackageError(QStringLiteral("cannot build zip: %1").arg(failure));
     }
     if (zip_close(archive) != 0) {
         failure = QString::fromUtf8(zip_strerror(archive));
         zip_discard(archive);
         zip_source_free(sink);
+        closeOriginal();
         throw PackageError(QStringLiteral("cannot build zip: %1").arg(failure));
     }
+    closeOriginal();
     QByteArray out;
     zip_stat_t st;
     if (zip_source_open(sink) == 0) {
@@ -238,6 +276,20 @@ QByteArray Package::bytes(const QString& name) const
         return {};
     if (it->dirty && it->doc)
         return XmlBytes(*it->doc);
+    if (!it->loaded && source_) {
+        zip_t* archive = openArchive(*source_, nullptr);
+        if (!archive)
+            throw PackageError(QStringLiteral("cannot read %1 again").arg(name));
+        QByteArray data;
+        try {
+            data = readEntry(archive, zip_uint64_t(it->sourceIndex), name, it->size);
+        } catch (...) {
+            zip_discard(archive);
+            throw;
+        }
+        zip_discard(archive);
+        return data;
+    }
     return it->raw;
 }
 
@@ -247,6 +299,10 @@ pugi::xml_document& Package::xml(const QString& name)
     if (it == parts_.end())
         throw PackageError(QStringLiteral("the part %1 is missing").arg(name));
     if (!it->doc) {
+        if (!it->loaded) {
+            it->raw = bytes(name);
+            it->loaded = true;
+        }
         auto doc = std::make_shared<pugi::xml_document>();
         const pugi::xml_parse_result result =
             doc->load_buffer(it->raw.constData(), size_t(it->raw.size()), XmlParseOptions());
@@ -281,6 +337,8 @@ void Package::setBytes(const QString& name, const QByteArray& bytes)
     part.raw = bytes;
     part.doc.reset();
     part.dirty = false;
+    part.loaded = true;
+    part.sourceIndex = -1;
 }
 
 void Package::setXml(const QString& name, const QByteArray& text)

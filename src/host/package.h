@@ -110,7 +110,12 @@ private:
         QByteArray raw;
         std::shared_ptr<pugi::xml_document> doc;
         bool dirty = false;
+        qint64 sourceIndex = -1; // entry of the zip it was read from, while unchanged
+        qint64 size = 0;
+        bool loaded = true;      // false: still only in the source zip
     };
+    // The zip as read: unchanged entries are copied from it still compressed.
+    std::shared_ptr<const QByteArray> source_;
     QStringList order_;
     QMap<QString, Part> parts_;
 };

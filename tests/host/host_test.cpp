@@ -3,6 +3,7 @@
 #include "foundation/vb_error.h"
 #include "host/deck_host.h"
 
+#include <QCoreApplication>
 #include <QTemporaryDir>
 #include <functional>
 #include <gtest/gtest.h>
@@ -57,7 +58,10 @@ TEST_F(MemoryHostTest, TagValuesSurviveWritingExactly)
     slide.GetTags()->Add("TLXVOTES", votes);
     pres.GetTags()->Add("tlx_odd", odd);
     pres.GetTags()->Add("empty", "");
+    // A typed answer may carry a control character that XML cannot hold.
+    slide.GetTags()->Add("typed", QString("bell\x07 and nul") + QChar(0) + "!");
     Deck again = reread(host.deck());
+    EXPECT_EQ(again.tag(again.slideIdAt(1), "typed"), "bell and nul!");
     EXPECT_EQ(again.tag(again.slideIdAt(1), "tlxvotes"), votes);
     EXPECT_EQ(again.tag(0, "TLX_ODD"), odd);
     EXPECT_EQ(again.tags(0).size(), 2);
@@ -83,6 +87,7 @@ TEST_F(MemoryHostTest, HostErrorsCarryTheHostsNumber)
         {"picture has no text", [&] { shapes.AddPicture(png, 0, -1, 0, 0)->GetTextFrame(); }, ErrNo::HostUnexpected},
         {"no show running", [&] { pres.GetSlideShowWindow(); }, ErrNo::HostUnexpected},
         {"missing picture file", [&] { shapes.AddPicture(dir.filePath("none.png"), 0, -1, 0, 0); }, ErrNo::FileNotFound},
+        {"presentation by another name", [&] { host.Presentations("other.pptx"); }, ErrNo::ItemNotFound},
         {"group of one", [&] { shapes.Group({"Title 1"}); }, ErrNo::HostUnexpected},
     };
     for (const Case& c : cases)
@@ -183,6 +188,9 @@ TEST_F(MemoryHostTest, TextIsReadAndWrittenByParagraph)
     EXPECT_EQ(text.Text(), "Apple\rBanana\rCherry\rDate");
     EXPECT_EQ(text.Paragraph(2), "Banana");
     EXPECT_EQ(text.Length(), 24);
+    text.SetText(QString("one line") + QChar(11) + "broken");
+    EXPECT_EQ(text.ParagraphCount(), 1);
+    EXPECT_EQ(text.Text(), QString("one line") + QChar(11) + "broken");
     // The body placeholder's font comes from the master's body style and the theme.
     const Font font = text.GetFont();
     EXPECT_EQ(font.Size, 28);
@@ -233,6 +241,11 @@ TEST_F(MemoryHostTest, ShowStateFollowsGotoAndNext)
     EXPECT_EQ(errorNumber([&] { view.GotoSlide(3); }), ErrNo::ItemNotFound);
     // The document window keeps its own slide.
     EXPECT_EQ(host.Windows(1)->GetView()->GetSlide()->SlideIndex(), 1);
+    // The show covers the primary screen unless told otherwise.
+    host.config().primaryScreenRect = [] { return QRect(0, 0, 1280, 720); };
+    EXPECT_EQ(host.SlideShowWindows(1)->Rect(), QRect(0, 0, 1280, 720));
+    host.config().showWindowRect = QRect(1280, 0, 800, 600);
+    EXPECT_EQ(host.SlideShowWindows(1)->Rect(), QRect(1280, 0, 800, 600));
     host.ClosePresentation();
     EXPECT_EQ(host.PresentationsCount(), 0);
     EXPECT_EQ(errorNumber([&] { host.ActivePresentation(); }), ErrNo::HostUnexpected);
@@ -248,6 +261,15 @@ TEST_F(MemoryHostTest, MacrosRunThroughTheConfiguredHook)
     EXPECT_EQ(logged.size(), 1);
     EXPECT_FALSE(host.CommandBarItemChecked("Menu Bar|&Quilmark|&Voting Results|Vote history dialog box"));
     EXPECT_EQ(host.Version(), "16.0");
+    EXPECT_EQ(host.AddInPath("tallix"), QCoreApplication::applicationDirPath());
+}
+
+TEST(OwnShapeNames, AreTheTlxAndTallixShapes)
+{
+    for (const char* ours : {"tlx_answers", "TLXloadingLabel", "tallix chart", "reshow 2 Tallix chart 1", "A tallix ratings 1"})
+        EXPECT_TRUE(IsOwnShapeName(ours)) << ours;
+    for (const char* theirs : {"Picture 3", "Title 1", "tl_x", "tal lix"})
+        EXPECT_FALSE(IsOwnShapeName(theirs)) << theirs;
 }
 
 TEST_F(MemoryHostTest, CopiedPictureIsPastedWithItsImage)

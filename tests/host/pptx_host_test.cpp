@@ -9,6 +9,7 @@
 #include <QSet>
 #include <QTemporaryDir>
 #include <fcntl.h>
+#include <functional>
 #include <gtest/gtest.h>
 #include <sys/file.h>
 #include <unistd.h>
@@ -18,6 +19,16 @@ using namespace tallix::host;
 using namespace tallix::host::test;
 
 namespace {
+
+long errorNumber(const std::function<void()>& f)
+{
+    try {
+        f();
+    } catch (const VbError& e) {
+        return e.number();
+    }
+    return 0;
+}
 
 // Known children of `node` must come in the schema's order.
 void expectSchemaOrder(pugi::xml_node node, const QStringList& order, const QString& where)
@@ -138,9 +149,22 @@ TEST_F(PptxHostTest, EveryTestDeckTakesChangesAndKeepsTheRest)
         expectDeckOrder(reopened, slideId);
         // Every picture the slide points at is in the package.
         for (const Relationship& r : reopened.package().rels(slidePart))
-            if (r.type == Rel::Image)
-                EXPECT_TRUE(reopened.package().has(reopened.package().resolve(slidePart, r.target))) << r.target.toStdString();
+            if (r.type == Rel::Image) {
+                EXPECT_TRUE(reopened.package().has(reopened.package().resolve(slidePart, r.target)))
+                    << r.target.toStdString();
+            }
     }
+}
+
+TEST_F(PptxHostTest, SlideSizeIsReadWhateverTheAttributeOrder)
+{
+    // This deck writes cy before cx.
+    const QString google = TestDecksDir() + "/sc__074_google_slides.pptx";
+    if (!QFile::exists(google))
+        GTEST_SKIP() << "no test decks";
+    PptxHost host(google);
+    EXPECT_EQ(host.ActivePresentation()->GetPageSetup().SlideWidth, 720);
+    EXPECT_EQ(host.ActivePresentation()->GetPageSetup().SlideHeight, 405);
 }
 
 TEST_F(PptxHostTest, StartUpAndReadingWriteNothing)
@@ -217,6 +241,71 @@ TEST_F(PptxHostTest, MacroRunCommitsFirst)
     EXPECT_TRUE(written);
 }
 
+TEST_F(PptxHostTest, PicturesAndGroupsAreMadeAgainOnADeckAnotherProcessWrote)
+{
+    PptxHost first(deckPath), second(deckPath);
+    Shapes& shapes = *first.ActivePresentation()->GetSlides()->Item(1)->GetShapes();
+    shapes.Item("Title 1")->Delete();
+    Shape* chart = shapes.AddPicture(png, 0, -1, 10, 20, 30, 40);
+    chart->SetVisible(false);
+    chart->SetName("tallix iteration 1");
+    shapes.AddPicture(png, 0, -1, 50, 20, 30, 40)->SetName("tallix iteration 2");
+    Shape* group = shapes.Group({"tallix iteration 1", "tallix iteration 2"});
+    group->SetName("tallix chart 2");
+    second.ActivePresentation()->GetSlides()->Item(1)->GetShapes()->AddTextbox(1, 1, 50, 20)->SetName("theirs");
+    ASSERT_TRUE(second.Commit());
+    ASSERT_TRUE(first.Commit());
+
+    // The objects the first process holds still reach the shapes, now on the reloaded deck.
+    EXPECT_EQ(group->Kind(), ShapeKind::Group);
+    EXPECT_EQ(group->Left(), 10);
+    EXPECT_EQ(shapes.Item("theirs")->Width(), 50);
+    Deck onDisk = Deck::fromFile(deckPath);
+    const QString part = onDisk.slidePart(onDisk.slideIdAt(1));
+    EXPECT_TRUE(onDisk.findShape(part, "theirs"));
+    EXPECT_TRUE(onDisk.findShape(part, "tallix chart 2"));
+    EXPECT_FALSE(onDisk.findShape(part, "Title 1"));
+    EXPECT_EQ(onDisk.package().bytes("ppt/media/image2.png"), OnePixelPng());
+    QSet<int> ids;
+    for (pugi::xml_node s : onDisk.shapes(part)) {
+        EXPECT_FALSE(ids.contains(Deck::shapeId(s))) << "shape id used twice";
+        ids.insert(Deck::shapeId(s));
+    }
+}
+
+TEST_F(PptxHostTest, TableCellsAreReadAndWritten)
+{
+    const QString source = TestDecksDir() + "/pptx__tbl-cell.pptx";
+    if (!QFile::exists(source))
+        GTEST_SKIP() << "no test decks";
+    const QString copy = dir.filePath("table.pptx");
+    WriteFile(copy, ReadFile(source));
+    Shape* tableShape = nullptr;
+    {
+        PptxHost host(copy);
+        Shapes& shapes = *host.ActivePresentation()->GetSlides()->Item(1)->GetShapes();
+        for (int i = 1; i <= shapes.Count() && !tableShape; ++i)
+            if (shapes.Item(i)->HasTable())
+                tableShape = shapes.Item(i);
+        ASSERT_NE(tableShape, nullptr);
+        Table& table = *tableShape->GetTable();
+        ASSERT_GE(table.RowCount(), 2);
+        ASSERT_GE(table.ColumnCount(), 2);
+        table.Cell(2, 2)->SetText("42 %");
+        table.Cell(1, 1)->SetText("");
+        EXPECT_EQ(errorNumber([&] { table.Cell(table.RowCount() + 1, 1); }), ErrNo::ItemNotFound);
+        ASSERT_EQ(host.Detach(), "");
+    }
+    PptxHost again(copy);
+    Shapes& shapes = *again.ActivePresentation()->GetSlides()->Item(1)->GetShapes();
+    for (int i = 1; i <= shapes.Count(); ++i)
+        if (shapes.Item(i)->HasTable()) {
+            EXPECT_EQ(shapes.Item(i)->GetTable()->Cell(2, 2)->Text(), "42 %");
+            EXPECT_EQ(shapes.Item(i)->GetTable()->Cell(1, 1)->Length(), 0);
+            break;
+        }
+}
+
 TEST_F(PptxHostTest, ChangesToAShapeAnotherProcessDeletedAreDropped)
 {
     PptxHost first(deckPath), second(deckPath);
@@ -254,6 +343,9 @@ TEST_F(PptxHostTest, MalformedDecksAreRefusedWithOneClearError)
          }), "no presentationml"},
         {"broken slide XML", variant([](Package& p) { p.setBytes("ppt/slides/slide1.xml", "<p:sld><p:cSld>"); }),
          "broken XML in ppt/slides/slide1.xml"},
+        {"broken tags XML", variant([](Package& p) {
+             p.setBytes("ppt/tags/tag1.xml", "<p:tagLst><p:tag name=\"A\" val=\"1\"></p:tagLst>");
+         }), "broken XML in ppt/tags/tag1.xml"},
         {"relationship to a missing part", variant([](Package& p) { p.remove("ppt/slideLayouts/slideLayout1.xml"); }),
          "missing part ppt/slideLayouts/slideLayout1.xml"},
         {"missing slide", variant([](Package& p) { p.remove("ppt/slides/slide1.xml"); }), "missing part"},

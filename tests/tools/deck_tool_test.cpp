@@ -1,0 +1,276 @@
+#include "deck_tool.h"
+
+#include "foundation/host.h"
+#include "host/deck_host.h"
+#include "host/pptx_host.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QRandomGenerator>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QThread>
+#include <QUrl>
+#include <gtest/gtest.h>
+
+using namespace tallix;
+using namespace tallix::host;
+
+namespace {
+
+const QString kSettings = "<?xml version=\"1.0\"?>\r\n<tlxfile>\r\n<General><GraphType>2</GraphType></General>\r\n</tlxfile>\r\n";
+
+QByteArray readFile(const QString& path)
+{
+    QFile f(path);
+    f.open(QIODevice::ReadOnly);
+    return f.readAll();
+}
+
+void writeFile(const QString& path, const QByteArray& bytes)
+{
+    QFile f(path);
+    f.open(QIODevice::WriteOnly);
+    f.write(bytes);
+}
+
+class DeckToolTest : public ::testing::Test {
+protected:
+    QTemporaryDir dir;
+    QString deck = dir.filePath("q.pptx");
+    QString settings = dir.filePath("settings.xml");
+    QString out, err;
+
+    void SetUp() override { writeFile(settings, kSettings.toUtf8()); }
+
+    int run(const QStringList& args)
+    {
+        out.clear();
+        err.clear();
+        QTextStream o(&out), e(&err);
+        return deck::RunDeckTool(args, o, e);
+    }
+    QJsonDocument json(const QStringList& args)
+    {
+        EXPECT_EQ(run(args + QStringList{"--json"}), 0) << err.toStdString();
+        return QJsonDocument::fromJson(out.toUtf8());
+    }
+    void makeQuestionDeck()
+    {
+        ASSERT_EQ(run({"new", deck, "--slides", "3"}), 0) << err.toStdString();
+        ASSERT_EQ(run({"question", deck, "2", "--settings", settings, "--answers", "Apple|Banana|Cherry",
+                       "--title", "Which fruit is best?", "--chart-area", "500,150,400,300"}),
+                  0)
+            << err.toStdString();
+    }
+};
+
+TEST_F(DeckToolTest, QuestionMakesTheAgreedShapesAndTag)
+{
+    makeQuestionDeck();
+    const QJsonArray shapes = json({"shapes", deck, "2"}).array();
+    QMap<QString, QJsonObject> byName;
+    for (const QJsonValue& v : shapes)
+        byName.insert(v["name"].toString(), v.toObject());
+    ASSERT_TRUE(byName.contains("tlx_question"));
+    EXPECT_EQ(byName["tlx_question"]["text"].toString(), "Which fruit is best?");
+    EXPECT_EQ(byName["tlx_answers"]["text"].toString(), "Apple\rBanana\rCherry");
+    const QJsonObject sample = byName["tallix chart sample"];
+    EXPECT_EQ(QRectF(sample["left"].toDouble(), sample["top"].toDouble(), sample["width"].toDouble(),
+                     sample["height"].toDouble()),
+              QRectF(500, 150, 400, 300));
+    EXPECT_TRUE(sample["visible"].toBool());
+
+    EXPECT_EQ(json({"tags", deck, "2"}).object().value("TLXVOTE").toString(), kSettings);
+    EXPECT_TRUE(json({"tags", deck, "1"}).object().isEmpty());
+
+    // Made twice, the slide still carries one of each and one note.
+    ASSERT_EQ(run({"question", deck, "2", "--settings", settings, "--answers", "Yes|No"}), 0);
+    EXPECT_EQ(json({"shapes", deck, "2"}).array().size(), shapes.size());
+    Deck d = Deck::fromFile(deck);
+    const QString notes = d.notesPart(d.slideIdAt(2), false);
+    ASSERT_FALSE(notes.isEmpty());
+    EXPECT_EQ(QString::fromUtf8(d.package().bytes(notes)).count("This slide is a tallix question"), 1);
+}
+
+TEST_F(DeckToolTest, QuestionSlideMatchesGolden)
+{
+    // Regenerate with TALLIX_UPDATE_GOLDEN=1 after a deliberate change, and look at the diff.
+    makeQuestionDeck();
+    Deck d = Deck::fromFile(deck);
+    const QByteArray slide = d.package().bytes(d.slidePart(d.slideIdAt(2)));
+    const QString golden = QStringLiteral(TALLIX_TESTDATA_DIR "/golden/question_slide.xml");
+    if (qEnvironmentVariableIsSet("TALLIX_UPDATE_GOLDEN"))
+        writeFile(golden, slide);
+    EXPECT_EQ(QString::fromUtf8(slide), QString::fromUtf8(readFile(golden)));
+}
+
+TEST_F(DeckToolTest, SettingsNoteIsAppendedOnceToExistingNotes)
+{
+    const QString source = QStringLiteral(TALLIX_SOURCE_DIR "/../shared/testdecks/sc__056_slide-notes.pptx");
+    if (!QFile::exists(source))
+        GTEST_SKIP() << "no test decks";
+    MemoryHost host(Deck::fromFile(source), {});
+    Slide& slide = *host.ActivePresentation()->GetSlides()->Item(1);
+    QString before;
+    Shapes& notes = *slide.NotesPage();
+    Shape* body = nullptr;
+    for (int i = 1; i <= notes.Count(); ++i)
+        if (notes.Item(i)->PlaceholderFormatType() == PlaceholderType::Body)
+            body = notes.Item(i);
+    ASSERT_NE(body, nullptr);
+    before = body->GetTextFrame()->Text();
+    ASSERT_FALSE(before.isEmpty());
+    deck::SaveSettingsToSlide(slide, kSettings);
+    deck::SaveSettingsToSlide(slide, kSettings);
+    EXPECT_EQ(body->GetTextFrame()->Text(), before + "\rThis slide is a tallix question");
+    EXPECT_EQ(slide.GetTags()->Item("tlxvote"), kSettings);
+    EXPECT_EQ(slide.GetTags()->Count(), 1);
+}
+
+TEST_F(DeckToolTest, TagsAreSetDeletedAndPrintedExactly)
+{
+    ASSERT_EQ(run({"new", deck, "--slides", "1"}), 0);
+    const QString multi = "first\r\nsecond\tcolumn\r\n";
+    ASSERT_EQ(run({"tags", deck, "--set", "tlxCurrentSlide=1", "--set", "Multi=" + multi, "--set", "gone=x",
+                   "--delete", "GONE"}),
+              0)
+        << err.toStdString();
+    const QJsonObject tags = json({"tags", deck}).object();
+    EXPECT_EQ(tags.keys(), (QStringList{"MULTI", "TLXCURRENTSLIDE"}));
+    EXPECT_EQ(tags["MULTI"].toString(), multi);
+    ASSERT_EQ(run({"tags", deck}), 0);
+    EXPECT_TRUE(out.contains("TLXCURRENTSLIDE=1\n"));
+}
+
+TEST_F(DeckToolTest, VotesAndCsvExportReadTheSavedLines)
+{
+    makeQuestionDeck();
+    const QString lines = "16/11/2026,02:31:12,3;X;-;Red|Blue;\r\n17/11/2026,09:00:01,1;-;2;\r\n";
+    ASSERT_EQ(run({"tags", deck, "2", "--set", "TLXVOTES=" + lines}), 0);
+    EXPECT_EQ(json({"votes", deck, "2"}).array(),
+              (QJsonArray{"16/11/2026,02:31:12,3;X;-;Red|Blue;", "17/11/2026,09:00:01,1;-;2;"}));
+    ASSERT_EQ(run({"votes", deck, "2"}), 0);
+    EXPECT_TRUE(out.endsWith("keypad 1: 1\nkeypad 2: -\nkeypad 3: 2\n")) << out.toStdString();
+
+    const QString csv = dir.filePath("votes.csv");
+    ASSERT_EQ(run({"export-csv", deck, csv}), 0) << err.toStdString();
+    EXPECT_EQ(QString::fromUtf8(readFile(csv)),
+              "slide,question,date,time,keypad,answer\r\n"
+              "2,Which fruit is best?,16/11/2026,02:31:12,1,3\r\n"
+              "2,Which fruit is best?,16/11/2026,02:31:12,2,X\r\n"
+              "2,Which fruit is best?,16/11/2026,02:31:12,4,Red|Blue\r\n"
+              "2,Which fruit is best?,17/11/2026,09:00:01,1,1\r\n"
+              "2,Which fruit is best?,17/11/2026,09:00:01,3,2\r\n");
+}
+
+TEST_F(DeckToolTest, BadArgumentsAndBadDecksGiveOneMessage)
+{
+    ASSERT_EQ(run({"new", deck, "--slides", "2"}), 0);
+    const QByteArray good = readFile(deck);
+    const QString broken = dir.filePath("broken.pptx");
+    writeFile(broken, "PK\x03\x04 this is no zip");
+    struct Case {
+        QStringList args;
+        int code;
+        const char* message;
+    };
+    const QList<Case> cases{
+        {{}, 2, "usage"},
+        {{"frobnicate"}, 2, "unknown command"},
+        {{"new", deck}, 2, "--slides"},
+        {{"new", deck, "--slides", "zero"}, 2, "--slides"},
+        {{"question", deck, "9", "--settings", settings}, 2, "no slide 9"},
+        {{"question", deck, "1"}, 2, "--settings"},
+        {{"question", deck, "1", "--settings", dir.filePath("none.xml")}, 2, "cannot read"},
+        {{"question", deck, "1", "--settings", settings, "--chart-area", "1,2,3"}, 2, "L,T,W,H"},
+        {{"shapes", deck, "1", "--bogus"}, 2, "unknown option"},
+        {{"shapes", deck}, 2, "wrong arguments"},
+        {{"tags", deck, "--set", "novalue"}, 2, "NAME=VALUE"},
+        {{"question", broken, "1", "--settings", settings}, 1, "not a zip"},
+        {{"shapes", dir.filePath("absent.pptx"), "1"}, 1, "cannot open"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.args.join(' ').toStdString());
+        EXPECT_EQ(run(c.args), c.code);
+        EXPECT_TRUE(err.contains(c.message)) << err.toStdString();
+    }
+    EXPECT_EQ(readFile(deck), good);
+    EXPECT_EQ(readFile(broken), QByteArray("PK\x03\x04 this is no zip"));
+    for (const QString command : {"new", "question", "tags", "shapes", "votes", "export-csv"}) {
+        EXPECT_EQ(run({command, "--help"}), 0);
+        EXPECT_TRUE(out.startsWith("usage: tallix-deck " + command)) << out.toStdString();
+    }
+}
+
+QString toolPath() { return QStringLiteral(TALLIX_BINARY_DIR "/bin/tallix-deck"); }
+
+TEST_F(DeckToolTest, AWriterKilledAnywhereLeavesTheOldOrTheNewDeck)
+{
+    // Incompressible weight makes each write last long enough to be cut into.
+    Deck heavy = Deck::blank(4);
+    QByteArray noise(3 * 1024 * 1024, Qt::Uninitialized);
+    QRandomGenerator(7).fillRange(reinterpret_cast<quint32*>(noise.data()), noise.size() / 4);
+    heavy.package().setBytes("ppt/media/noise.bin", noise);
+    writeFile(deck, heavy.toZip());
+    // One write left alone sets the scale of the kill times.
+    QElapsedTimer timer;
+    timer.start();
+    ASSERT_EQ(QProcess::execute(toolPath(), {"tags", deck, "1", "--set", "K=first"}), 0);
+    const int fullWriteUs = int(timer.nsecsElapsed() / 1000);
+    QStringList written{"first"};
+    auto* rng = QRandomGenerator::global();
+    int finished = 0;
+    for (int i = 0; i < 24; ++i) {
+        const QString value = QStringLiteral("run %1 ").arg(i) + QString(2000, QChar('x' + i % 3));
+        QProcess writer;
+        writer.start(toolPath(), {"tags", deck, "1", "--set", "K=" + value});
+        ASSERT_TRUE(writer.waitForStarted(5000));
+        // Real time on purpose: the kill has to land inside the write.
+        QThread::usleep(rng->bounded(fullWriteUs * 3 / 2));
+        writer.kill();
+        writer.waitForFinished(5000);
+        if (writer.exitStatus() == QProcess::NormalExit && writer.exitCode() == 0)
+            ++finished;
+        written << value;
+        Deck now = Deck::fromFile(deck); // throws on a damaged deck
+        EXPECT_TRUE(written.contains(now.tag(now.slideIdAt(1), "K"))) << "iteration " << i;
+    }
+    RecordProperty("finished", finished);
+}
+
+TEST_F(DeckToolTest, QuestionDeckOpensInLibreOffice)
+{
+    const QString soffice = QStandardPaths::findExecutable("soffice");
+    const QString pdftotext = QStandardPaths::findExecutable("pdftotext");
+    if (soffice.isEmpty() || pdftotext.isEmpty())
+        GTEST_SKIP() << "LibreOffice or pdftotext not installed";
+    makeQuestionDeck();
+    QTemporaryDir profile;
+    QProcess convert;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert("HOME", profile.path());
+    convert.setProcessEnvironment(env);
+    convert.start(soffice, {"-env:UserInstallation=" + QUrl::fromLocalFile(profile.filePath("user")).toString(),
+                            "--headless", "--convert-to", "pdf", "--outdir", dir.path(), deck});
+    ASSERT_TRUE(convert.waitForStarted(10000));
+    if (!convert.waitForFinished(180000)) {
+        convert.kill();
+        FAIL() << "LibreOffice did not finish in 3 minutes";
+    }
+    const QString pdf = dir.filePath("q.pdf");
+    ASSERT_TRUE(QFile::exists(pdf)) << convert.readAllStandardError().toStdString();
+    QProcess text;
+    text.start(pdftotext, {"-f", "2", "-l", "2", pdf, "-"});
+    ASSERT_TRUE(text.waitForFinished(30000));
+    const QString page = QString::fromUtf8(text.readAllStandardOutput());
+    for (const char* expected : {"Which fruit is best?", "Apple", "Banana", "Cherry"})
+        EXPECT_TRUE(page.contains(expected)) << expected << " missing from: " << page.toStdString();
+}
+
+} // namespace
