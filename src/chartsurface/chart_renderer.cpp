@@ -402,8 +402,8 @@ void DrawAnnotations(TChartModel& m, QPainter& p, const QRectF& rect)
             p.setBrush(Qt::NoBrush);
         }
         DrawTextBlock(p, b, box.adjusted(5, 3, -5, -3), a.Shape.Font, Qt::AlignLeft);
-        a.ShapeBounds = {int(std::floor(box.left())), int(std::floor(box.top())), int(std::ceil(box.right())),
-                         int(std::ceil(box.bottom()))};
+        a.ShapeBounds = {int(std::lround(box.left())), int(std::lround(box.top())), int(std::lround(box.right())),
+                         int(std::lround(box.bottom()))};
     }
 }
 
@@ -682,16 +682,23 @@ void DrawBars(TChartModel& m, QPainter& p, QRectF area, const std::vector<int>& 
     // Marks: shrink the font until a mark fits its bar's slot, and leave room for them above
     // (or beside) the longest bar, so no mark runs into a bar or off the chart.
     const double slotLen = (horizontal ? plot.height() : plot.width()) / catSpan / slotCount;
+    const double slotW = std::max(1.0, pitch * std::clamp(m.SERIES(drawn.front()).BarWidthPercent, 1, 200) / 100.0);
     std::vector<MarkPlan> plans;
     double markExtent = 0;
     for (int si : drawn) {
         TSeries& s = m.SERIES(si);
         MarkPlan mp = PlanMarks(s, 1.0);
         if (s.Marks.Visible) {
-            const double room = horizontal ? slotLen - 1 : slotLen - 2;
+            // A mark sits centred over its bar: it may use the gaps beside the bar, but neither
+            // a neighbour bar (with its depth) nor a neighbour's mark.
+            const int fixed = horizontal ? s.BarHeight : s.BarWidth;
+            const double barW = (!s.AutoBarSize && fixed > 0) ? fixed : slotW / slotCount;
+            const double depthPart = horizontal ? -o.y() * std::clamp(s.DepthPercent, 0, 100) / 100.0
+                                                : o.x() * std::clamp(s.DepthPercent, 0, 100) / 100.0;
+            const double room = std::min(slotLen - 2, 2 * slotLen - barW - depthPart - 2);
             const double need = horizontal ? mp.maxH : mp.maxW;
             if (need > room && need > 0) {
-                const double f = std::max(0.45, room / need);
+                const double f = std::max(0.35, room / need);
                 mp = PlanMarks(s, f);
             }
             markExtent = std::max(markExtent, (horizontal ? mp.maxW : mp.maxH) + std::max(0, s.Marks.ArrowLength) + 4);
@@ -794,7 +801,6 @@ void DrawBars(TChartModel& m, QPainter& p, QRectF area, const std::vector<int>& 
     }
 
     // Bars: in 3D the ones further back-right are drawn first, so nearer faces cover them.
-    const double slotW = std::max(1.0, pitch * std::clamp(m.SERIES(drawn.front()).BarWidthPercent, 1, 200) / 100.0);
     const double zero = vs.map(std::clamp(0.0, std::min(lo, hi), std::max(lo, hi)));
     struct Item {
         int series, slot, point;
