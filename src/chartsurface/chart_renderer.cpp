@@ -238,13 +238,36 @@ struct MarkPlan {
     double maxW = 0, maxH = 0;
 };
 
-MarkPlan PlanMarks(const TSeries& s, double fontScale)
+// Breaks text at blanks into lines no wider than width (a word longer than that stays whole).
+QString Wrap(const QString& text, const QFont& font, double width)
+{
+    QFontMetricsF fm(font);
+    QStringList out;
+    for (const QString& line : text.split(QLatin1Char('\n'))) {
+        QString cur;
+        for (const QString& word : line.split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
+            const QString next = cur.isEmpty() ? word : cur + QLatin1Char(' ') + word;
+            if (!cur.isEmpty() && fm.horizontalAdvance(next) > width) {
+                out << cur;
+                cur = word;
+            } else {
+                cur = next;
+            }
+        }
+        out << cur;
+    }
+    return out.join(QLatin1Char('\n'));
+}
+
+MarkPlan PlanMarks(const TSeries& s, double fontScale, double wrapWidth = 0)
 {
     MarkPlan m;
     m.font = ChartRenderer::MakeFont(s.Marks.Font, fontScale);
     const double sum = SeriesSum(s);
     for (int i = 0; i < s.Count(); ++i) {
         QString t = s.Points()[size_t(i)].IsNull ? QString() : MarkText(s, i, sum);
+        if (wrapWidth > 0)
+            t = Wrap(t, m.font, wrapWidth);
         m.texts.push_back(t);
         TextBlock b = Measure(t, m.font);
         const double pad = s.Marks.Transparent ? 4 : 6;
@@ -671,7 +694,7 @@ void DrawBars(TChartModel& m, QPainter& p, QRectF area, const std::vector<int>& 
     double depth = 0;
     if (view3d) {
         depth = std::clamp(m.Aspect.Chart3DPercent, 0, 100) / 100.0 * std::min(plot.width(), plot.height()) * 0.25;
-        depth = std::min(depth, pitch * 0.9);
+        depth = std::min(depth, pitch * 0.6);
     }
     const QPointF o(depth * 0.7071, -depth * 0.7071);
     plot.setRight(plot.right() - o.x());
@@ -697,9 +720,16 @@ void DrawBars(TChartModel& m, QPainter& p, QRectF area, const std::vector<int>& 
                                                 : o.x() * std::clamp(s.DepthPercent, 0, 100) / 100.0;
             const double room = std::min(slotLen - 2, 2 * slotLen - barW - depthPart - 2);
             const double need = horizontal ? mp.maxH : mp.maxW;
-            if (need > room && need > 0) {
-                const double f = std::max(0.35, room / need);
-                mp = PlanMarks(s, f);
+            if (need > room && need > 0 && !horizontal) {
+                // Two lines of full size read better than one of small print.
+                MarkPlan wrapped = PlanMarks(s, 1.0, room - 6);
+                if (wrapped.maxW < need)
+                    mp = std::move(wrapped);
+            }
+            const double need2 = horizontal ? mp.maxH : mp.maxW;
+            if (need2 > room && need2 > 0) {
+                const double f = std::max(0.5, room / need2);
+                mp = PlanMarks(s, f, horizontal ? 0 : room * 0.9 / f);
             }
             markExtent = std::max(markExtent, (horizontal ? mp.maxW : mp.maxH) + std::max(0, s.Marks.ArrowLength) + 4);
         }

@@ -1,0 +1,35 @@
+// Writes a sample chart picture, for looking at the surface's output by eye:
+//   chartsurface_sample FAMILY [OPTIONS [WIDTH HEIGHT [STYLE]]] > out.png
+#include "chartsurface/chart_export.h"
+#include "sample_charts.h"
+
+#include <QApplication>
+#include <QFile>
+
+#include <cstdio>
+
+int main(int argc, char** argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    const QStringList args = app.arguments();
+    if (args.size() < 2 || !tallix::samples::Families().contains(args[1])) {
+        std::fprintf(stderr, "usage: chartsurface_sample FAMILY [OPTIONS [WIDTH HEIGHT [STYLE]]] > out.png\nfamilies: %s\n",
+                     qPrintable(tallix::samples::Families().join(' ')));
+        return 2;
+    }
+    tallix::TChartModel m;
+    tallix::samples::Build(m, args[1], args.size() > 2 ? args[2].toInt() : 5);
+    m.setHeadlessSize(args.size() > 4 ? QSize(args[3].toInt(), args[4].toInt()) : QSize(640, 400));
+    if (args.size() > 5) {
+        auto& s = m.SERIES(0);
+        s.Marks.Style = args[5].toInt();
+        if (s.IsBarKind())
+            for (int i = 0; i < s.Count(); ++i)
+                s.PointLabel(i) = QString::number(s.PointValue(i)) + " /";
+    }
+    QFile out;
+    out.open(stdout, QIODevice::WriteOnly);
+    out.write(tallix::ChartPictureBytes(m, tallix::PictureFormat::PNG));
+    return 0;
+}
