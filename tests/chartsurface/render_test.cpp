@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -416,4 +417,29 @@ TEST(ChartEvents, RepaintDrawsOnViewAndOffView)
     EXPECT_TRUE(chart.Visible());
     chart.SetVisible(false);
     EXPECT_FALSE(chart.Visible());
+}
+
+TEST(ChartRender, PanelColourBackgroundPictureAndTransparency)
+{
+    TChartModel m;
+    m.setHeadlessSize(QSize(200, 100));
+    m.Panel.Color = clNone;
+    m.Repaint();
+    EXPECT_EQ(qAlpha(m.lastFrame().pixel(2, 2)), 0) << "no panel colour is transparent";
+    m.Panel.Color = Rgb(237, 237, 237);
+    m.Repaint();
+    EXPECT_EQ(m.lastFrame().pixelColor(2, 2), QColor(237, 237, 237));
+
+    QTemporaryDir dir;
+    QImage back(4, 2, QImage::Format_RGB32);
+    back.fill(QColor(10, 200, 30));
+    const QString file = dir.filePath("bcktemp.bmp");
+    ASSERT_TRUE(back.save(file));
+    m.Panel.BackImageLoad(file);
+    m.Panel.BackImageMode = 1; // stretched over the whole chart
+    m.Repaint();
+    EXPECT_EQ(m.lastFrame().pixelColor(198, 98), QColor(10, 200, 30));
+    m.Panel.BackImageClear();
+    m.Repaint();
+    EXPECT_EQ(m.lastFrame().pixelColor(198, 98), QColor(237, 237, 237));
 }

@@ -28,8 +28,25 @@ int main(int argc, char** argv)
             for (int i = 0; i < s.Count(); ++i)
                 s.PointLabel(i) = QString::number(s.PointValue(i)) + " /";
     }
+    if (qEnvironmentVariableIsSet("TALLIX_SAMPLE_DECOR")) {
+        m.Header.Text = QStringList{"Which option do you prefer?", "All keypads"};
+        m.Legend.Visible = true;
+        m.Axis.Left.Title.Caption = "Votes";
+        m.Axis.Bottom.Title.Caption = "Options";
+        const int t = m.Tools.Add(tallix::tkAnnotation);
+        auto& a = m.Tools.Items(t).asAnnotation();
+        a.Text = "Abstain Count = 3";
+        a.Position = 3;
+        a.Shape.Font.Size = 16;
+        a.Shape.Shadow.Visible = false;
+    }
+    const QByteArray format = qgetenv("TALLIX_SAMPLE_FORMAT");
+    const tallix::PictureFormat pf = format == "emf" ? tallix::PictureFormat::EMF
+                                     : format == "wmf" ? tallix::PictureFormat::WMF
+                                     : format == "eps" ? tallix::PictureFormat::EPS
+                                                       : tallix::PictureFormat::PNG;
     QFile out;
     out.open(stdout, QIODevice::WriteOnly);
-    out.write(tallix::ChartPictureBytes(m, tallix::PictureFormat::PNG));
+    out.write(tallix::ChartPictureBytes(m, pf));
     return 0;
 }
