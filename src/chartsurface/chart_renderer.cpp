@@ -170,6 +170,12 @@ QString TickText(double v, double step)
     return FormatFloat(pic, v, DecimalMark(), ThousandsMark());
 }
 
+// A point with no value (a null, or a value that is not a number) is neither drawn nor counted.
+bool Drawable(const TSeries& s, const TChartPoint& pt)
+{
+    return !pt.IsNull && std::isfinite(s.IsHorizontal() ? pt.X : pt.Y) && std::isfinite(s.IsHorizontal() ? pt.Y : pt.X);
+}
+
 QColor PointColour(const TSeries& s, int seriesIndex, int i)
 {
     const auto& pt = s.Points()[size_t(i)];
@@ -208,7 +214,7 @@ double SeriesSum(const TSeries& s)
 {
     double sum = 0;
     for (const auto& pt : s.Points())
-        if (!pt.IsNull)
+        if (Drawable(s, pt))
             sum += s.IsHorizontal() ? pt.X : pt.Y;
     return sum;
 }
@@ -265,7 +271,7 @@ MarkPlan PlanMarks(const TSeries& s, double fontScale, double wrapWidth = 0)
     m.font = ChartRenderer::MakeFont(s.Marks.Font, fontScale);
     const double sum = SeriesSum(s);
     for (int i = 0; i < s.Count(); ++i) {
-        QString t = s.Points()[size_t(i)].IsNull ? QString() : MarkText(s, i, sum);
+        QString t = Drawable(s, s.Points()[size_t(i)]) ? MarkText(s, i, sum) : QString();
         if (wrapWidth > 0)
             t = Wrap(t, m.font, wrapWidth);
         m.texts.push_back(t);
@@ -304,7 +310,7 @@ std::vector<LegendEntry> LegendEntries(TChartModel& m, const std::vector<int>& a
     if (active.size() == 1 || first.IsPieKind() || first.ColorEachPoint) {
         for (int i = 0; i < first.Count(); ++i) {
             const auto& pt = first.Points()[size_t(i)];
-            if (pt.IsNull)
+            if (!Drawable(first, pt))
                 continue;
             const double v = first.IsHorizontal() ? pt.X : pt.Y;
             QString t = pt.Label.trimmed().isEmpty()
@@ -473,6 +479,8 @@ AxisBounds CategoryBounds(TChartModel& m, const std::vector<int>& bars, bool hor
         n = std::max(n, s.Count());
         for (const auto& pt : s.Points()) {
             const double pos = horizontal ? pt.Y : pt.X;
+            if (!std::isfinite(pos))
+                continue;
             lo = any ? std::min(lo, pos) : pos;
             hi = any ? std::max(hi, pos) : pos;
             any = true;
@@ -641,7 +649,7 @@ void DrawBars(TChartModel& m, QPainter& p, QRectF area, const std::vector<int>& 
     for (int si : drawn)
         for (const auto& pt : m.SERIES(si).Points()) {
             const double pos = horizontal ? pt.Y : pt.X;
-            if (pt.IsNull || pos < cb.min || pos > cb.max)
+            if (!Drawable(m.SERIES(si), pt) || pos < cb.min || pos > cb.max)
                 continue;
             const double v = horizontal ? pt.X : pt.Y;
             vmin = std::min(vmin, v);
@@ -843,7 +851,7 @@ void DrawBars(TChartModel& m, QPainter& p, QRectF area, const std::vector<int>& 
         for (int i = 0; i < s.Count(); ++i) {
             const auto& pt = s.Points()[size_t(i)];
             const double pos = horizontal ? pt.Y : pt.X;
-            if (pt.IsNull || pos < cb.min || pos > cb.max)
+            if (!Drawable(s, pt) || pos < cb.min || pos > cb.max)
                 continue;
             items.push_back({drawn[size_t(k)], side ? k : 0, i, pos});
         }
@@ -1047,7 +1055,7 @@ void DrawPie(TChartModel& m, QPainter& p, QRectF area, int si)
 
     double total = 0;
     for (const auto& pt : s.Points())
-        if (!pt.IsNull && pt.Y > 0)
+        if (Drawable(s, pt) && pt.Y > 0)
             total += pt.Y;
 
     MarkPlan plan = PlanMarks(s, 1.0);
@@ -1094,7 +1102,7 @@ void DrawPie(TChartModel& m, QPainter& p, QRectF area, int si)
     double cum = 0;
     for (int i = 0; i < s.Count(); ++i) {
         const auto& pt = s.Points()[size_t(i)];
-        const double v = (!pt.IsNull && pt.Y > 0) ? pt.Y : 0;
+        const double v = (Drawable(s, pt) && pt.Y > 0) ? pt.Y : 0;
         const double start = 90.0 - s.RotationAngle - cum / (total > 0 ? total : 1) * 360.0;
         const double sweep = total > 0 ? v / total * 360.0 : 0;
         cum += v;

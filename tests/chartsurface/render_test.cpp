@@ -1,5 +1,6 @@
 // What a drawn chart reports back: mark texts and positions, point positions, paging,
 // annotation bounds, pie radii, the growing animation and the surface events.
+#include "chartsurface/chart_export.h"
 #include "chartsurface/chart_renderer.h"
 #include "chartsurface/tchart.h"
 #include "chartsurface/vector_picture.h"
@@ -442,4 +443,52 @@ TEST(ChartRender, PanelColourBackgroundPictureAndTransparency)
     m.Panel.BackImageClear();
     m.Repaint();
     EXPECT_EQ(m.lastFrame().pixelColor(198, 98), QColor(237, 237, 237));
+}
+
+// Whatever the values and sizes, a draw and an export finish and say nothing wrong.
+TEST(ChartRender, DegenerateInputDrawsWithoutFailing)
+{
+    const double inf = std::numeric_limits<double>::infinity();
+    const std::vector<std::vector<double>> valueSets = {
+        {}, {0}, {std::nan(""), 3}, {inf, -inf, 2}, {-5, -2, 4}, {1e12, 1}, {-3, -1}, {0.001, 0.002}};
+    for (int code : {scBar, scHorizBar, scPie, scDonut})
+        for (const auto& values : valueSets)
+            for (QSize size : {QSize(1, 1), QSize(30, 20), QSize(640, 400)}) {
+                SCOPED_TRACE(std::to_string(code) + " " + std::to_string(values.size()) + " " + std::to_string(size.width()));
+                TChartModel m;
+                m.setHeadlessSize(size);
+                TSeries& s = m.SERIES(m.AddSeries(code));
+                for (double v : values)
+                    s.Add(v, "x");
+                s.Marks.Style = 3;
+                m.Legend.Visible = true;
+                EXPECT_NO_THROW(m.Repaint());
+                EXPECT_NO_THROW(ChartPictureBytes(m, PictureFormat::EMF));
+                for (int i = 0; i < s.Count(); ++i) {
+                    const TMarkPosition& p = s.Marks.Positions.Position(i);
+                    EXPECT_LT(std::abs(p.LeftTop.x()), 100000);
+                    EXPECT_LT(std::abs(p.LeftTop.y()), 100000);
+                }
+            }
+}
+
+TEST(ChartRender, SideBySideSeriesShareTheSlot)
+{
+    TChartModel m;
+    m.setHeadlessSize(QSize(800, 500));
+    for (int t = 0; t < 3; ++t) {
+        TSeries& s = m.SERIES(m.AddSeries(scBar));
+        s.Title = QStringLiteral("Round %1").arg(t + 1);
+        for (int i = 0; i < 4; ++i)
+            s.Add(5 + 3 * i + t, "", samples::OptionColour(t));
+    }
+    m.Repaint();
+    for (int i = 0; i < 4; ++i) {
+        EXPECT_LT(m.SERIES(0).CalcXPos(i), m.SERIES(1).CalcXPos(i));
+        EXPECT_LT(m.SERIES(1).CalcXPos(i), m.SERIES(2).CalcXPos(i));
+        EXPECT_LT(m.SERIES(2).CalcXPos(i), m.SERIES(0).CalcXPos(std::min(i + 1, 3)) + (i == 3 ? 1000 : 0));
+    }
+    m.SERIES(1).Active = false;
+    m.Repaint();
+    EXPECT_EQ(m.SERIES(1).Clicked(m.SERIES(0).CalcXPos(0) + 1, 400), -1) << "an inactive series is not drawn";
 }

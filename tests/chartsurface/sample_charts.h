@@ -11,7 +11,7 @@ namespace tallix::samples {
 
 inline const QStringList& Families()
 {
-    static const QStringList f = {"bar", "bar3d", "hbar", "hbar3d", "cylinder", "pyramid", "pie", "pie3d", "donut", "donut3d"};
+    static const QStringList f = {"bar", "bar3d", "hbar", "hbar3d", "cylinder", "pyramid", "pie", "pie3d", "donut", "donut3d", "multibar"};
     return f;
 }
 
@@ -29,10 +29,39 @@ inline std::vector<double> Values(int n)
     return std::vector<double>(v, v + std::min(n, 20));
 }
 
+// Three rounds side by side, one series each, with a legend of the rounds.
+inline void BuildMulti(TChartModel& m, int n)
+{
+    m.Aspect.View3D = true;
+    m.Aspect.Chart3DPercent = 25;
+    m.Legend.Visible = true;
+    m.Legend.Alignment = 3;
+    m.Panel.MarginTop = 10;
+    m.Panel.MarginRight = 6;
+    const auto values = Values(n);
+    for (int t = 0; t < 3; ++t) {
+        TSeries& s = m.SERIES(m.AddSeries(scBar));
+        s.Title = QStringLiteral("Round %1").arg(t + 1);
+        s.Color = OptionColour(t);
+        for (int i = 0; i < int(values.size()); ++i)
+            s.Add(values[size_t((i + 2 * t) % values.size())], QString(), OptionColour(t));
+        s.BarPen.Visible = false;
+        s.Marks.Transparent = true;
+        s.Marks.Style = 0;
+        s.Marks.ArrowLength = 6;
+        s.Marks.Arrow.Visible = false;
+    }
+    m.Axis.Bottom.Labels.Clear();
+    for (int i = 0; i < int(values.size()); ++i)
+        m.Axis.Bottom.Labels.Add(i, QString(QChar('A' + i % 26)));
+}
+
 // Builds family `name` with n options on chart m.
 inline void Build(TChartModel& m, const QString& name, int n = 5)
 {
     m.RemoveAllSeries();
+    if (name == "multibar")
+        return BuildMulti(m, n);
     const bool pie = name.startsWith("pie") || name.startsWith("donut");
     const bool horiz = name.startsWith("hbar");
     const bool view3d = name.endsWith("3d") || name == "cylinder" || name == "pyramid";
