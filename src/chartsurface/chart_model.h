@@ -477,6 +477,7 @@ public:
 
     TAspect Aspect;
     TPanel Panel;
+    TFrame Frame; // a line round the whole chart
     TWalls Walls;
     TSwitch Zoom;
     TScroll Scroll;

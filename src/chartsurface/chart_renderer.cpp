@@ -1297,6 +1297,11 @@ void ChartRenderer::Draw(TChartModel& m, QPainter& p, const QRect& rect)
         }
     }
     DrawAnnotations(m, p, QRectF(rect));
+    if (m.Frame.Visible && m.Frame.Color != clNone) {
+        p.setPen(QPen(ToQColor(m.Frame.Color), 1));
+        p.setBrush(Qt::NoBrush);
+        p.drawRect(QRectF(rect).adjusted(0.5, 0.5, -0.5, -0.5));
+    }
     p.restore();
 }
 

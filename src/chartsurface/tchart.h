@@ -31,6 +31,8 @@ public:
     void Move(int left, int top, int widthTwips, int heightTwips);
     bool Visible() const { return !isHidden(); }
     void SetVisible(bool on) { setVisible(on); }
+    // 0 brings the element in front of its siblings, 1 sends it behind them.
+    void ZOrder(int position = 0) { position == 1 ? lower() : raise(); }
 
     // Draws now, whether on view or not, and raises OnAfterDraw once the drawing is done.
     void Repaint() override;

@@ -443,6 +443,10 @@ TEST(ChartRender, PanelColourBackgroundPictureAndTransparency)
     m.Panel.BackImageClear();
     m.Repaint();
     EXPECT_EQ(m.lastFrame().pixelColor(198, 98), QColor(237, 237, 237));
+    m.Frame.Visible = true;
+    m.Frame.Color = Rgb(255, 0, 0);
+    m.Repaint();
+    EXPECT_EQ(m.lastFrame().pixelColor(0, 50), QColor(255, 0, 0)) << "the element's frame";
 }
 
 // Whatever the values and sizes, a draw and an export finish and say nothing wrong.
