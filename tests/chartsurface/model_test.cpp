@@ -102,8 +102,9 @@ TEST(ChartModel, SortByLabelsBothDirections)
         EXPECT_EQ(Labels(s), c.expected);
         for (int i = 0; i < s.Count(); ++i)
             EXPECT_EQ(s.XValues.Value(i), i) << "drawn in their new order";
-        if (c.order == 1)
+        if (c.order == 1) {
             EXPECT_EQ(s.PointValue(2), 1) << "equal labels keep their order";
+        }
     }
 }
 

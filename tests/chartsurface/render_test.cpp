@@ -124,8 +124,9 @@ TEST(ChartRender, MarksNeverCollideFromTwoToTwentyBars)
                 EXPECT_TRUE(chart.contains(mark)) << "mark " << i << " leaves the chart";
                 for (int j = 0; j < s.Count(); ++j) {
                     EXPECT_FALSE(mark.adjusted(1, 1, -1, -1).intersects(s.drawn_[size_t(j)].hit)) << "mark " << i << " on bar " << j;
-                    if (j != i)
+                    if (j != i) {
                         EXPECT_FALSE(mark.adjusted(1, 1, -1, -1).intersects(MarkRect(s, j))) << "marks " << i << " and " << j;
+                    }
                 }
             }
         }
@@ -258,8 +259,9 @@ TEST(ChartRender, MissingFontsFallBackToDejaVuAndSymbolsMap)
     f.Name = "No Such Font At All";
     EXPECT_EQ(ChartRenderer::MakeFont(f).family(), "DejaVu Sans");
     f.Name = "Wingdings";
-    if (ChartRenderer::MakeFont(f).family() == "DejaVu Sans")
+    if (ChartRenderer::MakeFont(f).family() == "DejaVu Sans") {
         EXPECT_EQ(ChartRenderer::MapSymbolText(f, QString(QChar(0xFC))), QString(QChar(0x2714)));
+    }
     f.Name = "DejaVu Sans";
     EXPECT_EQ(ChartRenderer::MapSymbolText(f, QString(QChar(0xFC))), QString(QChar(0xFC)));
 }
