@@ -754,9 +754,16 @@ void DrawBars(TChartModel& m, QPainter& p, QRectF area, const std::vector<int>& 
         lo = m.frozenMin_;
         hi = m.frozenMax_;
     } else {
-        if (autoMax && hi > 0 && markExtent > 0) {
-            const double usable = std::max(valLen * 0.35, valLen - markExtent - val.MaximumOffset);
-            hi = lo + (hi - lo) * valLen / usable;
+        // Room for the marks beyond the longest bar on each side that has bars and moves freely.
+        const bool growHi = autoMax && hi > 0, growLo = autoMin && lo < 0;
+        const int sides = int(growHi) + int(growLo);
+        if (sides > 0 && markExtent > 0 && hi > lo) {
+            const double usable = std::max(valLen * 0.35, valLen - sides * markExtent - val.MaximumOffset);
+            const double extra = (hi - lo) * (valLen / usable - 1);
+            if (growHi)
+                hi += extra / sides;
+            if (growLo)
+                lo -= extra / sides;
         }
         if (hi <= lo)
             hi = lo + 1;

@@ -104,6 +104,24 @@ TEST(ChartRender, NullPointsAreNotDrawnAndNotCounted)
 }
 
 // No mark may touch a bar, another mark, or leave the chart, at any bar count from 2 to 20.
+TEST(ChartRender, MarksOfNegativeBarsStayOnTheChart)
+{
+    for (const QString family : {"bar", "hbar3d"}) {
+        TChartModel m;
+        samples::Build(m, family);
+        TSeries& s = m.SERIES(0);
+        s.PointValue(1) = -30;
+        s.PointValue(3) = 40;
+        m.Repaint();
+        const QRect chart(QPoint(0, 0), m.drawSize());
+        for (int i = 0; i < s.Count(); ++i)
+            EXPECT_TRUE(chart.contains(MarkRect(s, i))) << family.toStdString() << " mark " << i;
+        const TAxis& val = family == "bar" ? m.Axis.Left : m.Axis.Bottom;
+        EXPECT_LT(val.DrawnMinimum(), -30);
+        EXPECT_GT(val.DrawnMaximum(), 40);
+    }
+}
+
 TEST(ChartRender, MarksNeverCollideFromTwoToTwentyBars)
 {
     for (const QString family : {"bar", "bar3d", "hbar", "hbar3d", "cylinder", "pyramid"}) {
