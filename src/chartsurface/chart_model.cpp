@@ -185,13 +185,51 @@ bool TSeries::IsNull(int index) const
     return points_[size_t(index)].IsNull;
 }
 
+namespace {
+
+// Labels compare without regard to case, and runs of digits by their number, so that
+// "2) " comes before "10) ".
+int CompareLabels(const QString& a, const QString& b)
+{
+    qsizetype i = 0, j = 0;
+    while (i < a.size() && j < b.size()) {
+        if (a[i].isDigit() && b[j].isDigit()) {
+            qsizetype ie = i, je = j;
+            while (ie < a.size() && a[ie].isDigit())
+                ++ie;
+            while (je < b.size() && b[je].isDigit())
+                ++je;
+            QStringView da = QStringView(a).mid(i, ie - i), db = QStringView(b).mid(j, je - j);
+            while (da.size() > 1 && da.front() == u'0')
+                da = da.mid(1);
+            while (db.size() > 1 && db.front() == u'0')
+                db = db.mid(1);
+            if (da.size() != db.size())
+                return da.size() < db.size() ? -1 : 1;
+            if (const int c = da.compare(db); c != 0)
+                return c;
+            i = ie;
+            j = je;
+            continue;
+        }
+        const QChar ca = a[i].toCaseFolded(), cb = b[j].toCaseFolded();
+        if (ca != cb)
+            return ca < cb ? -1 : 1;
+        ++i;
+        ++j;
+    }
+    return (a.size() - i > 0) - (b.size() - j > 0);
+}
+
+} // namespace
+
 void TSeries::SortByLabels(int order)
 {
     if (order != 1 && order != 2)
         return;
     const bool asc = order == 1;
     std::stable_sort(points_.begin(), points_.end(), [asc](const TChartPoint& a, const TChartPoint& b) {
-        const int c = a.Label.compare(b.Label, Qt::CaseInsensitive);
+        const int c = CompareLabels(a.Label, b.Label);
         return asc ? c < 0 : c > 0;
     });
     // The points are drawn in their new order.

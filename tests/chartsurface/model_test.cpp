@@ -108,6 +108,16 @@ TEST(ChartModel, SortByLabelsBothDirections)
     }
 }
 
+TEST(ChartModel, SortByLabelsComparesNumbersAsNumbers)
+{
+    TChartModel m;
+    TSeries& s = m.SERIES(m.AddSeries(scPie));
+    for (const char* l : {"10) ", "2) ", "1) ", "B) ", "a) ", "02) x"})
+        s.Add(1, l);
+    s.SortByLabels(1);
+    EXPECT_EQ(Labels(s), (std::vector<QString>{"1) ", "2) ", "02) x", "10) ", "a) ", "B) "}));
+}
+
 TEST(ChartModel, ValueListOrderSortAndFillSequence)
 {
     TChartModel m;
