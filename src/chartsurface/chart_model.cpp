@@ -437,8 +437,15 @@ void TChartModel::Repaint() { renderHeadless(); }
 void TChartModel::renderHeadless()
 {
     const QSize size = drawSize();
-    if (size.width() <= 0 || size.height() <= 0)
+    // A redraw asked for from inside the after-draw event is dropped, as a window drops a
+    // recursive repaint; otherwise a handler that repaints would never return.
+    if (size.width() <= 0 || size.height() <= 0 || inHeadlessDraw_)
         return;
+    inHeadlessDraw_ = true;
+    struct Reset {
+        bool& flag;
+        ~Reset() { flag = false; }
+    } reset{inHeadlessDraw_};
     if (lastFrame_.size() != size)
         lastFrame_ = QImage(size, QImage::Format_ARGB32_Premultiplied);
     lastFrame_.fill(Qt::transparent);

@@ -510,6 +510,7 @@ private:
     std::vector<std::unique_ptr<TSeries>> series_;
     QSize headlessSize_{640, 480};
     QImage lastFrame_;
+    bool inHeadlessDraw_ = false;
 };
 
 // The palette a series or point takes when it has no colour of its own.

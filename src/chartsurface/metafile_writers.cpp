@@ -263,7 +263,7 @@ private:
     void text(const VecPrimitive& it)
     {
         // A font object per run: the runs are few, and each carries its own size and angle.
-        rec(EMR_SELECTOBJECT, {0x8000000A}); // SYSTEM_FONT, so the old font can go
+        rec(EMR_SELECTOBJECT, {0x8000000D}); // SYSTEM_FONT, so the old font can go
         if (font_)
             rec(EMR_DELETEOBJECT, {3});
         const QString face = it.font.family().left(31);

@@ -438,6 +438,12 @@ TEST(ChartEvents, RepaintDrawsOnViewAndOffView)
     EXPECT_TRUE(chart.Visible());
     chart.SetVisible(false);
     EXPECT_FALSE(chart.Visible());
+
+    // A handler that repaints from inside the event does not start a draw within the draw.
+    QObject::connect(&chart, &TChart::OnAfterDraw, [&](int) { chart.Repaint(); });
+    const int hidden = draws;
+    chart.Repaint();
+    EXPECT_EQ(draws, hidden + 1);
 }
 
 TEST(ChartRender, PanelColourBackgroundPictureAndTransparency)
