@@ -51,7 +51,7 @@ QByteArray ChartPictureBytes(TChartModel& chart, PictureFormat format, QSize siz
     const QSize target(size.width() > 0 ? size.width() : layout.width(), size.height() > 0 ? size.height() : layout.height());
     if (layout.isEmpty() || target.isEmpty() || target.width() > 20000 || target.height() > 20000)
         Raise(ErrNo::InvalidProcedureCall,
-              QStringLiteral("Invalid picture size %1 x %2").arg(target.width()).arg(target.height()));
+              QStringLiteral("Invalid picture size %1 x %2").arg(std::max(0, target.width())).arg(std::max(0, target.height())));
 
     switch (format) {
     case PictureFormat::PNG: return Encode(Render(chart, target, layout, true), "png", -1);

@@ -2,8 +2,10 @@
 // deliberate change of look (and then look at every one before committing):
 //   TALLIX_REGEN_GOLDEN=1 build/bin/chartsurface_tests --gtest_filter='Golden*'
 #include "chartsurface/chart_renderer.h"
+#include "foundation/safe_write.h"
 #include "sample_charts.h"
 
+#include <QBuffer>
 #include <QDir>
 #include <QImage>
 #include <QPainter>
@@ -66,7 +68,11 @@ TEST_P(Golden, MatchesCommittedPicture)
     const QString path = QStringLiteral(TALLIX_TESTDATA_DIR "/golden/%1.png").arg(family);
     if (qEnvironmentVariableIsSet("TALLIX_REGEN_GOLDEN")) {
         QDir().mkpath(QFileInfo(path).absolutePath());
-        ASSERT_TRUE(img.save(path));
+        QByteArray png;
+        QBuffer buf(&png);
+        buf.open(QIODevice::WriteOnly);
+        ASSERT_TRUE(img.save(&buf, "png"));
+        ASSERT_EQ(SafeWriteFile(path, png), QString());
         GTEST_SKIP() << "regenerated " << path.toStdString();
     }
     QImage golden(path);

@@ -1,6 +1,7 @@
 // Writes a sample chart picture, for looking at the surface's output by eye:
 //   chartsurface_sample FAMILY [OPTIONS [WIDTH HEIGHT [STYLE]]] > out.png
 #include "chartsurface/chart_export.h"
+#include "foundation/vb_error.h"
 #include "sample_charts.h"
 
 #include <QApplication>
@@ -19,7 +20,12 @@ int main(int argc, char** argv)
         return 2;
     }
     tallix::TChartModel m;
-    tallix::samples::Build(m, args[1], args.size() > 2 ? args[2].toInt() : 5);
+    const int options = args.size() > 2 ? args[2].toInt() : 5;
+    if (options < 1 || options > 20) {
+        std::fprintf(stderr, "chartsurface_sample: OPTIONS must be 1 to 20, not \"%s\"\n", qPrintable(args[2]));
+        return 2;
+    }
+    tallix::samples::Build(m, args[1], options);
     m.setHeadlessSize(args.size() > 4 ? QSize(args[3].toInt(), args[4].toInt()) : QSize(640, 400));
     if (args.size() > 5) {
         auto& s = m.SERIES(0);
@@ -47,6 +53,11 @@ int main(int argc, char** argv)
                                                        : tallix::PictureFormat::PNG;
     QFile out;
     out.open(stdout, QIODevice::WriteOnly);
-    out.write(tallix::ChartPictureBytes(m, pf));
+    try {
+        out.write(tallix::ChartPictureBytes(m, pf));
+    } catch (const tallix::VbError& e) {
+        std::fprintf(stderr, "chartsurface_sample: %s\n", qPrintable(e.description()));
+        return 1;
+    }
     return 0;
 }
