@@ -323,3 +323,34 @@ TEST_F(ExportTest, LibreOfficeRendersTheMetafiles)
             img.save(QStringLiteral(TALLIX_BINARY_DIR "/lo-%1.png").arg(QFileInfo(file).suffix()));
     }
 }
+
+// Exporting at slide size lays the chart out at its own size and scales it, so the marks
+// the window reports, and the ones moved by hand, stay where they are.
+TEST_F(ExportTest, ExportAtAnotherSizeKeepsTheWindowsPositions)
+{
+    chart.Repaint();
+    TSeries& s = chart.SERIES(0);
+    std::vector<QPoint> before;
+    for (int i = 0; i < s.Count(); ++i)
+        before.push_back(s.Marks.Positions.Position(i).LeftTop);
+    s.Marks.Positions.Position(2).Custom = true;
+    s.Marks.Positions.Position(2).LeftTop = QPoint(5, 6);
+    before[2] = QPoint(5, 6);
+    for (TExportFormat* f : {&chart.Export.asPNG, &chart.Export.asMetafile, &chart.Export.asEPS})
+        save(*f, "big", 1600, 1000);
+    for (int i = 0; i < s.Count(); ++i)
+        EXPECT_EQ(s.Marks.Positions.Position(i).LeftTop, before[size_t(i)]) << i;
+    const QImage img(save(chart.Export.asPNG, "big.png", 1280, 800));
+    const QImage small(save(chart.Export.asPNG, "small.png", 640, 400));
+    // The picture of twice the size is the same picture: scaled down, only edges differ.
+    ASSERT_EQ(img.size(), QSize(1280, 800));
+    const QImage down = img.scaled(640, 400, Qt::IgnoreAspectRatio, Qt::SmoothTransformation).convertToFormat(QImage::Format_RGB32);
+    const QImage ref = small.convertToFormat(QImage::Format_RGB32);
+    int differ = 0;
+    for (int y = 0; y < 400; ++y)
+        for (int x = 0; x < 640; ++x) {
+            const QRgb a = down.pixel(x, y), b = ref.pixel(x, y);
+            differ += std::abs(qRed(a) - qRed(b)) + std::abs(qGreen(a) - qGreen(b)) + std::abs(qBlue(a) - qBlue(b)) > 120;
+        }
+    EXPECT_LT(differ, 640 * 400 / 100) << differ << " pixels differ";
+}
