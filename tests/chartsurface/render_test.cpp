@@ -522,3 +522,54 @@ TEST(ChartRender, SideBySideSeriesShareTheSlot)
     m.Repaint();
     EXPECT_EQ(m.SERIES(1).Clicked(m.SERIES(0).CalcXPos(0) + 1, 400), -1) << "an inactive series is not drawn";
 }
+
+TEST(ChartRender, AxisIncrementVisibleInvertedAndTitleAngle)
+{
+    struct Case {
+        const char* name;
+        std::function<void(TChartModel&)> set;
+        std::function<void(TChartModel&, const VectorPicture&)> check;
+    };
+    auto texts = [](const VectorPicture& pic) {
+        QStringList out;
+        for (const auto& it : pic.items)
+            if (it.kind == VecPrimitive::Text)
+                out << it.text;
+        return out;
+    };
+    const Case cases[] = {
+        {"increment", [](TChartModel& m) { m.Axis.Left.Increment = 7; },
+         [&](TChartModel&, const VectorPicture& pic) {
+             const QStringList t = texts(pic);
+             for (const char* tick : {"0", "7", "14", "21", "28"})
+                 EXPECT_TRUE(t.contains(tick)) << tick;
+             EXPECT_FALSE(t.contains("10"));
+         }},
+        {"value axis hidden", [](TChartModel& m) { m.Axis.Left.Visible = false; },
+         [&](TChartModel&, const VectorPicture& pic) {
+             EXPECT_FALSE(texts(pic).contains("20"));
+             EXPECT_TRUE(texts(pic).contains("C")) << "the other axis stays";
+         }},
+        {"inverted", [](TChartModel& m) { m.Axis.Bottom.Inverted = true; },
+         [&](TChartModel& m, const VectorPicture&) { EXPECT_GT(m.SERIES(0).CalcXPos(0), m.SERIES(0).CalcXPos(1)); }},
+        {"title angle", [](TChartModel& m) { m.Axis.Left.Title.Caption = "Votes"; m.Axis.Left.Title.Angle = 90; },
+         [&](TChartModel&, const VectorPicture& pic) {
+             bool found = false;
+             for (const auto& it : pic.items)
+                 if (it.kind == VecPrimitive::Text && it.text == "Votes") {
+                     found = true;
+                     EXPECT_NEAR(it.angle, -90, 0.01) << "reads upwards";
+                 }
+             EXPECT_TRUE(found);
+         }},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        TChartModel m;
+        m.setHeadlessSize(kSize);
+        samples::Build(m, "bar"); // values 12, 30, 7, 22, 18
+        c.set(m);
+        m.Repaint();
+        c.check(m, RecordChart(m, kSize, kSize));
+    }
+}
