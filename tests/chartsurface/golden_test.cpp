@@ -1,6 +1,6 @@
 // Renders of each chart family against committed pictures. To regenerate them after a
 // deliberate change of look (and then look at every one before committing):
-//   TALLIX_REGEN_GOLDEN=1 build/bin/chartsurface_tests --gtest_filter='Golden*'
+//   TALLIX_REGEN_GOLDEN=1 build/bin/chartsurface_tests --gtest_filter='*Golden*'
 #include "chartsurface/chart_renderer.h"
 #include "foundation/safe_write.h"
 #include "sample_charts.h"
@@ -78,9 +78,10 @@ TEST_P(Golden, MatchesCommittedPicture)
     QImage golden(path);
     ASSERT_FALSE(golden.isNull()) << "missing golden picture " << path.toStdString();
     const double share = DifferingShare(img, golden.convertToFormat(QImage::Format_RGB32));
-    if (share > 0.002)
+    // A mark moved by a few pixels changes some hundreds of pixels; rasterising noise, a few.
+    if (share > 0.0005)
         img.save(QStringLiteral(TALLIX_BINARY_DIR "/golden-%1-actual.png").arg(family));
-    EXPECT_LE(share, 0.002) << family.toStdString() << ": " << share * 100 << "% of pixels differ";
+    EXPECT_LE(share, 0.0005) << family.toStdString() << ": " << share * 100 << "% of pixels differ";
 }
 
 INSTANTIATE_TEST_SUITE_P(Families, Golden, ::testing::ValuesIn(FamilyNames()), [](const auto& info) { return info.param; });
