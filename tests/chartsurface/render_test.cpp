@@ -3,6 +3,8 @@
 #include "chartsurface/chart_export.h"
 #include "chartsurface/chart_renderer.h"
 #include "chartsurface/tchart.h"
+#include "chartsurface/tchart_array.h"
+#include "foundation/vb_error.h"
 #include "chartsurface/vector_picture.h"
 #include "sample_charts.h"
 
@@ -572,4 +574,35 @@ TEST(ChartRender, AxisIncrementVisibleInvertedAndTitleAngle)
         m.Repaint();
         c.check(m, RecordChart(m, kSize, kSize));
     }
+}
+
+TEST(ChartArray, ElementsAreMadeOnDemandAndCarryTheirIndex)
+{
+    QWidget form;
+    form.resize(kSize);
+    TChartArray charts(&form);
+    std::vector<int> events;
+    charts.onLoad = [&](TChart& c) { QObject::connect(&c, &TChart::OnAfterDraw, [&](int i) { events.push_back(i); }); };
+    charts.Load(0).setGeometry(0, 0, 640, 400);
+    EXPECT_EQ(charts.UBound(), 0);
+    long number = 0;
+    try {
+        charts(1);
+    } catch (const VbError& e) {
+        number = e.number();
+    }
+    EXPECT_EQ(number, 340);
+    TChart& second = charts.Load(2);
+    EXPECT_EQ(second.width(), 640) << "a new element takes the size of the first";
+    EXPECT_FALSE(second.Visible());
+    EXPECT_EQ(charts.Count(), 2);
+    EXPECT_EQ(charts.UBound(), 2);
+    EXPECT_THROW(charts.Load(2), VbError);
+    samples::Build(second, "bar");
+    second.Repaint();
+    charts(0).Repaint();
+    EXPECT_EQ(events, (std::vector<int>{2, 0}));
+    charts.Unload(2);
+    EXPECT_FALSE(charts.Exists(2));
+    EXPECT_EQ(charts.UBound(), 0);
 }
