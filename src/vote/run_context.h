@@ -7,13 +7,22 @@
 
 namespace tallix {
 
+class ChartProcedures;
 class Comms;
+class FormManager;
+class ResultForm;
 class VotesCastForm;
 
 struct RunContext : Services, RunState {
     // Forms: null while not loaded.
     Comms* comms = nullptr;
     VotesCastForm* vCast = nullptr;
+    ResultForm* FrmTChart = nullptr;
+    FormManager* forms = nullptr;
+    ChartProcedures* chartProcedures = nullptr;
+    // Writes the presentation's pending changes to the deck (where the result must not
+    // be lost); a host without a file has nothing to do.
+    std::function<void()> CommitPresentation;
 };
 
 // Makes `votes`, `votesBackup` and `voteTimes` new at 0..keypadUniverse, filled with

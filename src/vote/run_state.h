@@ -265,9 +265,14 @@ struct RunState {
     VbArray<VoteOption> voteOptions;
     VbArray<Participant> participants;
 
-    // Chart arrays that Main makes anew at each entry.
+    // Collation results, read by the charts. Main makes the arrays anew at each entry;
+    // the two totals are never cleared, so a second collation in a process adds to them.
     VbArray<double> optionCounts;
     VbArray2<double> seriesCounts;
+    short votersCounted = 0;
+    double weightedVoteTotal = 0;
+    double abstainTotal = 0;
+    qint32 seriesVoterTotal = 0;
 };
 
 } // namespace tallix

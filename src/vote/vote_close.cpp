@@ -3,9 +3,22 @@
 #include "controller/comms.h"
 #include "foundation/error_report.h"
 #include "foundation/logs.h"
+#include "vote/not_built.h"
 #include "vote/run_context.h"
 
 namespace tallix {
+
+void closeVote(RunContext& ctx)
+{
+    ctx.votesCast = 0;
+    ctx.voteEnded = 1;
+    NotBuiltYet(ctx, "Vote", "closeVote");
+}
+
+void execRevote(RunContext& ctx, short, short)
+{
+    NotBuiltYet(ctx, "Vote", "execRevote");
+}
 
 void FullShutDown(RunContext& ctx)
 {

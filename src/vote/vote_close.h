@@ -1,10 +1,13 @@
 #pragma once
-// How a vote stops: the orderly end of the process.
+// How a vote stops: closing the open vote, drawing a stored result again, and the
+// orderly end of the process.
 
 namespace tallix {
 
 struct RunContext;
 
+void closeVote(RunContext& ctx);
+void execRevote(RunContext& ctx, short slideBefore, short slideAfter);
 void FullShutDown(RunContext& ctx);
 
 } // namespace tallix

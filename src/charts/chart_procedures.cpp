@@ -1,0 +1,57 @@
+#include "chart_procedures.h"
+
+#include "vote/forms.h"
+#include "vote/not_built.h"
+#include "vote/run_context.h"
+
+namespace tallix {
+
+void DisplayChart(RunContext& ctx, DisplayChartArgs args)
+{
+    if (ctx.chartProcedures)
+        ctx.chartProcedures->DisplayChart(args);
+    else
+        NotBuiltYet(ctx, "Common_ChartDisplay", "DisplayChart");
+}
+
+void DisplayMultiChart(RunContext& ctx, short displayBy, short iterations, bool reshow)
+{
+    if (ctx.chartProcedures)
+        ctx.chartProcedures->DisplayMultiChart(displayBy, iterations, reshow);
+    else
+        NotBuiltYet(ctx, "Common_ChartDisplay", "DisplayMultiChart");
+}
+
+void DisplayTick(RunContext& ctx)
+{
+    if (ctx.chartProcedures)
+        ctx.chartProcedures->DisplayTick();
+    else
+        NotBuiltYet(ctx, "Common_ChartDisplay", "DisplayTick");
+}
+
+void DrawDynamicChart(RunContext& ctx)
+{
+    if (ctx.chartProcedures)
+        ctx.chartProcedures->DrawDynamicChart();
+    else
+        NotBuiltYet(ctx, "CVote", "DrawDynamicChart");
+}
+
+void GrabBackground(RunContext& ctx, const char* formName)
+{
+    if (ctx.chartProcedures)
+        ctx.chartProcedures->GrabBackground(formName);
+    else
+        NotBuiltYet(ctx, "Common_grabber", "GrabBackground");
+}
+
+void GraphtoSlide(RunContext& ctx, short elements)
+{
+    if (ctx.FrmTChart)
+        ctx.FrmTChart->GraphtoSlide(elements);
+    else
+        NotBuiltYet(ctx, "FrmTChart", "GraphtoSlide");
+}
+
+} // namespace tallix

@@ -1,0 +1,44 @@
+#pragma once
+// The chart procedures that draw. Vote logic calls them by these names; the program
+// fills `ctx.chartProcedures` with the real charts, and without it each says once in
+// the debug log that it is not there and returns.
+
+namespace tallix {
+
+struct RunContext;
+
+// Flags of DisplayChart, by position as the chart code takes them.
+struct DisplayChartArgs {
+    short seriesCount = 1;
+    short withMultiChart = 0;
+    short sample = 0;
+    short filterSet = 0;
+    short rebuild = 0;
+    short keepCounts = 0;
+    short hidden = 0;
+    short dynamic = 0;
+    short fadeIn = 0;
+};
+
+class ChartProcedures {
+public:
+    virtual ~ChartProcedures() = default;
+    // On the result window `FrmTChart`, which is loaded first when it is not.
+    virtual void DisplayChart(DisplayChartArgs& args) = 0;
+    virtual void DisplayMultiChart(short displayBy, short iterations, bool reshow) = 0;
+    virtual void DisplayTick() = 0;
+    // The live chart of a dynamic count-up, redrawn towards the present totals.
+    virtual void DrawDynamicChart() = 0;
+    // The background grab behind a window: "vCast" or "FrmTChart".
+    virtual void GrabBackground(const char* formName) = 0;
+};
+
+void DisplayChart(RunContext& ctx, DisplayChartArgs args);
+void DisplayMultiChart(RunContext& ctx, short displayBy, short iterations, bool reshow);
+void DisplayTick(RunContext& ctx);
+void DrawDynamicChart(RunContext& ctx);
+void GrabBackground(RunContext& ctx, const char* formName);
+// FrmTChart.GraphtoSlide; -1 (the runtime's true) exports every element.
+void GraphtoSlide(RunContext& ctx, short elements);
+
+} // namespace tallix

@@ -1,0 +1,17 @@
+#pragma once
+// Vote collation: per-keypad votes into weighted per-option totals.
+
+#include <QString>
+
+namespace tallix {
+
+struct RunContext;
+
+void CollateVotes(RunContext& ctx, short& filterAlreadySet, short& sample, short& keepCounts);
+void CollateSeriesVotes(RunContext& ctx, short& filterAlreadySet, short& sample);
+QString GetPercentFormatString(RunContext& ctx);
+// True when an open form has one of the names (unused names empty).
+bool FormIsLoaded(RunContext& ctx, const QString& name1, const QString& name2 = {}, const QString& name3 = {},
+                  const QString& name4 = {});
+
+} // namespace tallix
