@@ -4,7 +4,9 @@
 #include "foundation/error_report.h"
 #include "foundation/logs.h"
 #include "foundation/numbers.h"
+#include "foundation/host.h"
 #include "question/common_xml.h"
+#include "question/slide_objects.h"
 #include "vote/run_context.h"
 
 #include <cmath>
@@ -554,9 +556,101 @@ void SetVarsFromXML(RunContext& ctx)
     });
 }
 
+namespace {
+
+double roundTo(double v, int places)
+{
+    const double scale = std::pow(10.0, places);
+    return std::nearbyint(v * scale) / scale;
+}
+
+// The shape of that name on the slide, asked of the host directly: a picture placed
+// since the shape cache was filled must be seen.
+host::Shape* liveShape(host::Slide* slide, const QString& name)
+{
+    return ShapeNamed(slide, name);
+}
+
+} // namespace
+
+void MakePPTObjectPositionsMatch(RunContext& ctx, host::Shape* a, host::Shape* b, bool both)
+{
+    // The host rounds positions to its own unit; older hosts to 2 places, newer to whole points.
+    const int places = int(std::trunc(tlxVal(ctx.oPPT->Version()))) < 12 ? 2 : 0;
+    struct Field {
+        double (host::Shape::*get)() const;
+        void (host::Shape::*set)(double);
+    };
+    const Field fields[] = {{&host::Shape::Top, &host::Shape::SetTop},
+                            {&host::Shape::Left, &host::Shape::SetLeft},
+                            {&host::Shape::Width, &host::Shape::SetWidth},
+                            {&host::Shape::Height, &host::Shape::SetHeight}};
+    for (const Field& f : fields) {
+        const double av = (a->*f.get)();
+        if (roundTo((b->*f.get)(), places) != roundTo(av, places))
+            (b->*f.set)(av);
+        if (both && roundTo((b->*f.get)(), places) != roundTo((a->*f.get)(), places))
+            (a->*f.set)((a->*f.get)());
+    }
+}
+
 void VisibleChartCheck(RunContext& ctx)
 {
-    Q_UNUSED(ctx);
+    for (const QString& a : {ctx.arg1, ctx.arg2, ctx.arg3})
+        if (a.toUpper() == "WIZARD")
+            return;
+    qint64 mark = ctx.clock->perfCounter();
+    host::Slide* slide = SlideAt(ctx, ctx.currentSlide);
+    if (CheckForPPTShape(ctx, ctx.currentSlide, "tlx_answers-BAK") &&
+        CheckForPPTShape(ctx, ctx.currentSlide, "tlx_answers"))
+        MakePPTObjectPositionsMatch(ctx, slide->GetShapes()->Item("tlx_answers"),
+                                    slide->GetShapes()->Item("tlx_answers-BAK"), true);
+    logSection(ctx, mark, "<bak up answers text box>");
+
+    host::Shape* chart = nullptr;
+    if (host::Shape* live = liveShape(slide, "tallix chart")) {
+        host::Shape* sampleBak = liveShape(slide, "tallix chart sample-BAK");
+        if (sampleBak && sampleBak->Top() != live->Top() && int(std::trunc(tlxVal(ctx.oPPT->Version()))) != 12 &&
+            !(slide->InteractiveSequencesCount() > 0))
+            live->SetTop(sampleBak->Top());
+        if (live->Visible())
+            chart = live;
+    }
+    const auto firstVisible = [&](const QStringList& names) -> host::Shape* {
+        for (const QString& n : names)
+            if (host::Shape* s = liveShape(slide, n); s && s->Visible())
+                return s;
+        return nullptr;
+    };
+    if (!chart && ctx.vType == 2) {
+        QStringList names;
+        for (int i = 1; i <= 9; ++i)
+            names << QStringLiteral("tallix chart %1").arg(i);
+        chart = firstVisible(names);
+    }
+    if (!chart && ctx.GraphType == 7) {
+        QStringList names;
+        for (char c = 'A'; c <= 'Z'; ++c)
+            names << QStringLiteral("tallix chart %1").arg(QChar(c));
+        chart = firstVisible(names);
+    }
+    if (!chart)
+        chart = liveShape(slide, "tallix chart sample");
+    const QString backupName =
+        ctx.arg1.toUpper() == "TLXRESHOW" ? QStringLiteral("tallix chart 0 sample-BAK") : QStringLiteral("tallix chart sample-BAK");
+    if (!chart)
+        chart = liveShape(slide, backupName);
+    if (chart && ctx.vArea.ubound() >= 0) {
+        const host::PageSetup page = ctx.oPres->GetPageSetup();
+        VArea& area = ctx.vArea(0);
+        area.Height = float(chart->Height() / page.SlideHeight);
+        area.Width = float(chart->Width() / page.SlideWidth);
+        area.Top = float(chart->Top() / page.SlideHeight);
+        area.Left = float(chart->Left() / page.SlideWidth);
+        if (host::Shape* backup = liveShape(slide, backupName); backup && backup != chart)
+            MakePPTObjectPositionsMatch(ctx, chart, backup, true);
+    }
+    logSection(ctx, mark, "<Visible chart object on slide check>");
 }
 
 } // namespace tallix

@@ -17,5 +17,11 @@ bool SectionListingFails(const QString& section, const QString& listing);
 // The check that compares the document's chart area with the chart object really on
 // the slide, and the position matching it uses.
 void VisibleChartCheck(RunContext& ctx);
+namespace host {
+class Shape;
+}
+// Copies A's position to B where they differ at the host's rounding; with `both`,
+// nudges A onto a value that B can hold.
+void MakePPTObjectPositionsMatch(RunContext& ctx, host::Shape* a, host::Shape* b, bool both);
 
 } // namespace tallix

@@ -108,6 +108,9 @@ struct RunState {
     qint64 perfFrequency = 0;
     short screenWidthPixels = 0;
     QStringList slideShapeNames;
+    // Names of the "tlx" shapes of one slide; element 0 holds that slide's number.
+    VbArray<QString> pptShapeCache;
+    bool pptShapeCacheFilled = false;
     QStringList rndTextList;
     bool rndTextsLoaded = false;
     std::mt19937 rnd;

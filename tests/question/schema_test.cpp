@@ -1,6 +1,8 @@
 #include "question/columns_vote_xml.h"
 #include "question/common_xml.h"
 #include "question/settings_document.h"
+#include "foundation/host.h"
+#include "host/deck_host.h"
 #include "support/test_context.h"
 
 #include <gtest/gtest.h>
@@ -14,6 +16,20 @@ class Schema : public ::testing::Test {
 protected:
     TestRun run;
     RunContext& ctx = run.ctx;
+    host::MemoryHost ppt{2};
+
+    Schema()
+    {
+        ctx.oPPT = &ppt;
+        ctx.oPres = ppt.ActivePresentation();
+        ctx.currentSlide = 1;
+    }
+    host::Shape* addShape(const QString& name, double l, double t, double w, double h)
+    {
+        host::Shape* s = ctx.oPres->GetSlides()->Item(1)->GetShapes()->AddShape(1, l, t, w, h);
+        s->SetName(name);
+        return s;
+    }
 
     void read(const QString& body)
     {
@@ -152,6 +168,30 @@ TEST_F(Schema, RatingTextAndSeriesSections)
     EXPECT_TRUE(ctx.Exclusive);
     ASSERT_EQ(ctx.SeriesWeighting.ubound(), 9);
     EXPECT_DOUBLE_EQ(ctx.SeriesWeighting(9), 10);
+}
+
+TEST_F(Schema, TheChartOnTheSlideDecidesTheChartArea)
+{
+    const host::PageSetup page = ctx.oPres->GetPageSetup();
+    addShape("tallix chart sample", page.SlideWidth / 4, page.SlideHeight / 2, page.SlideWidth / 2,
+             page.SlideHeight / 4);
+    read("<vArea><Left>0.9</Left><Top>0.9</Top><Width>0.1</Width><Height>0.1</Height></vArea>");
+    EXPECT_NEAR(ctx.vArea(0).Left, 0.25, 1e-3);
+    EXPECT_NEAR(ctx.vArea(0).Top, 0.5, 1e-3);
+    EXPECT_NEAR(ctx.vArea(0).Width, 0.5, 1e-3);
+    EXPECT_NEAR(ctx.vArea(0).Height, 0.25, 1e-3);
+}
+
+TEST_F(Schema, AVisibleLiveChartWinsOverTheSampleAndAWizardLaunchLooksAtNothing)
+{
+    const host::PageSetup page = ctx.oPres->GetPageSetup();
+    addShape("tallix chart sample", 0, 0, page.SlideWidth, page.SlideHeight);
+    addShape("tallix chart", page.SlideWidth / 2, 0, page.SlideWidth / 2, page.SlideHeight / 2);
+    read("<vArea><Left>0.9</Left></vArea>");
+    EXPECT_NEAR(ctx.vArea(0).Left, 0.5, 1e-3);
+    ctx.arg2 = "wizard";
+    read("<vArea><Left>0.9</Left></vArea>");
+    EXPECT_NEAR(ctx.vArea(0).Left, 0.9, 1e-3);
 }
 
 TEST(SectionListingFails, TheTwoTests)
