@@ -40,6 +40,39 @@ public:
     virtual void LogBaseResponded(short base) = 0;
     // The counter label `Label1`: its caption and font size.
     virtual void SetCounterLabel(const QString& caption, int fontSize) = 0;
+
+    // --- The live vote: what runners, close and the decoder ask of the window.
+    // Defaults do nothing, so a fake need only override what its test looks at.
+    virtual QString CounterCaption() const { return {}; }
+    // `Tag`: the count-down's time left as text, written by the clock every tick.
+    virtual QString Tag() const { return {}; }
+    virtual void SetTag(const QString&) {}
+    virtual void VoteClosed() {}
+    // Passes a key on as if typed: KeyPress, then KeyDown with the same code.
+    virtual void KeyInput(int) {}
+    virtual void RunRevote() {}
+    virtual bool IsVisible() const { return false; }
+    virtual void BringToFront() {}
+    // Stops `Tmr_AppOpen` and `tmr_cDownTimer` (a revote draws over the slide).
+    virtual void DisableRevoteTimers() {}
+    // 500 ms later the keypads-not-voted refresh runs again with force off.
+    virtual void StartKeypadsNotVotedCheck() {}
+    virtual void SetProgressValue(int) {}
+
+    // --- Dressing before a vote.
+    virtual void SetCaptionText(const QString&) {}
+    // Uses the picture as the window's skin; false when it cannot be read.
+    virtual bool ApplySkin(const QString&) { return false; }
+    virtual void SetLabelFontSizes(int /*counter*/, int /*caption*/) {}
+    // Places the window over the show: fractions of the show's picture, topmost.
+    virtual void PlaceOverShow(float /*topFraction*/, float /*leftFraction*/) {}
+    virtual void SetPausedVisible(bool) {}
+    virtual void EnablePauseTimer(bool) {}
+    virtual void StartCountDown(bool /*clockRunning*/) {}
+    virtual void SetBarShown(bool) {}
+    virtual void SetKeypadText(const QString&) {}
+    virtual void ShowLabels() {}
+    virtual void SetOpacity(double) {}
 };
 
 // The result window `FrmTChart`, as far as vote logic needs it.

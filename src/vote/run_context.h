@@ -12,6 +12,7 @@ class Comms;
 class FormManager;
 class ResultForm;
 class VotesCastForm;
+class VoteInstances;
 
 struct RunContext : Services, RunState {
     // Forms: null while not loaded.
@@ -20,6 +21,7 @@ struct RunContext : Services, RunState {
     ResultForm* FrmTChart = nullptr;
     FormManager* forms = nullptr;
     ChartProcedures* chartProcedures = nullptr;
+    VoteInstances* instances = nullptr;
     // Writes the presentation's pending changes to the deck (where the result must not
     // be lost); a host without a file has nothing to do.
     std::function<void()> CommitPresentation;

@@ -92,6 +92,7 @@ struct RunState {
     RunState& operator=(const RunState&) = delete;
 
     // Launch and host
+    QString commandLine;   // the launch string as the program was given it
     QString arg1, arg2, arg3, arg4, arg5;
     bool makeMode = false;
     bool internalRestart = false;
@@ -250,6 +251,9 @@ struct RunState {
     double dynamicChartLastDraw = 0;
     float commsWaitStart = 0;
     bool voteEndRecorded = false;   // RecordVoteEnd acts once per process
+    QString processTimeLog;
+    double processTimeFirst = 0;
+    double processTimeLast = 0;
 
     // What the controller reported of its bases
     qint32 maxKeypads = 0;

@@ -5,6 +5,16 @@
 
 namespace tallix {
 
+void LoadVotesCastBoxes(RunContext& ctx)
+{
+    NotBuiltYet(ctx, "Vote", "LoadVotesCastBoxes");
+}
+
+void PrepareVotesCastWindow(RunContext& ctx)
+{
+    NotBuiltYet(ctx, "Vote", "PrepareVotesCastWindow");
+}
+
 void ShowVotesCast(RunContext& ctx)
 {
     NotBuiltYet(ctx, "Vote", "ShowVotesCast");
