@@ -189,6 +189,9 @@ void Comms::SendCommandToController(const QString& text, const QJsonObject& extr
     }
     try {
         link_.SendCommand(text, extra);
+        // A command was a call into the controller's process, during which its own events
+        // were delivered: what it has said by now is taken in, as it was then.
+        ctx_.pump->DoEvents();
     } catch (const ProcessExit&) {
         throw;
     } catch (...) {
