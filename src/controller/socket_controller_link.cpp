@@ -60,7 +60,18 @@ void SocketControllerLink::SendCommand(const QString& text, const QJsonObject& e
     QJsonObject message = wire::Command(text);
     for (auto it = extra.begin(); it != extra.end(); ++it)
         message.insert(it.key(), it.value());
+    const bool askingSettings = text == QLatin1String("BaseInfo");
+    if (askingSettings)
+        settingsArrived_ = false;
     sendOrRaise(message);
+    // The controller answered BaseInfo before its command returned, so the reply was in
+    // by the end of the call; the socket is given the same moment to deliver it.
+    if (askingSettings) {
+        QElapsedTimer waited;
+        waited.start();
+        while (!settingsArrived_ && connected() && waited.elapsed() < kSettingsReplyWaitMs)
+            socket_->waitForReadyRead(int(kSettingsReplyWaitMs - waited.elapsed()));
+    }
 }
 
 void SocketControllerLink::NotifyVoteLoaded()
@@ -79,6 +90,8 @@ void SocketControllerLink::dispatch(const QJsonObject& m)
     const QString event = m.value(wire::kEvent).toString();
     const short base = short(m.value(wire::kBase).toInt());
     if (event == wire::kFromTLXCtrl) {
+        if (m.value(wire::kText).toString().contains(QLatin1String("BASETYPE"), Qt::CaseInsensitive))
+            settingsArrived_ = true;
         if (FromTLXCtrl)
             FromTLXCtrl(m.value(wire::kText).toString());
     } else if (event == wire::kBaseError) {

@@ -37,6 +37,8 @@ private:
     void dispatch(const QJsonObject& message);
     void sendOrRaise(const QJsonObject& message);
 
+    static constexpr int kSettingsReplyWaitMs = 1000;
+    bool settingsArrived_ = false;
     std::unique_ptr<QLocalSocket> socket_;
     std::unique_ptr<JsonLineChannel> channel_;
 };
