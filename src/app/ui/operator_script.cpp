@@ -51,7 +51,8 @@ bool ParseOperatorKey(const QString& spec, OperatorAction& action)
     const QChar c = name[0];
     action.text = QString(c);
     action.key = c.isLetter() ? Qt::Key_A + (c.toUpper().unicode() - 'A') : c.unicode();
-    if (c.isUpper())
+    // "Q" alone is a shifted key; with Ctrl or Alt the letter names the key, whatever its case.
+    if (c.isUpper() && action.modifiers == Qt::NoModifier)
         action.modifiers |= Qt::ShiftModifier;
     // Control combinations type a control character, as a keyboard does.
     if (action.modifiers & Qt::ControlModifier && c.isLetter())
