@@ -7,7 +7,10 @@ namespace tallix {
 
 struct RunContext;
 
-// `reference` names the slide ("7", or "7:Revote"); `item` the line, -1 for the last.
-void LoadVotes(RunContext& ctx, const QString& reference, short item);
+// `reference` names the slide by index or id, followed by ":" ("7:Revote"); `item` is
+// the rating item or series iteration to load (from 0), negative for the last line.
+// True when a line was loaded into `votes`. A slide that is neither an index nor an
+// id raises to the caller's report.
+bool LoadVotes(RunContext& ctx, const QString& reference, short item);
 
 } // namespace tallix
