@@ -92,8 +92,8 @@ short SetColoursFromPPT(RunContext& ctx)
         host::Presentation* pres = ctx.oPres ? ctx.oPres : ctx.oPPT->ActivePresentation();
         for (int i = 0; i < order.size(); ++i) {
             const long colour = pres->ThemeColorScheme(order[i].toInt());
-            if (!XMLSetSingleNode(ctx, QStringLiteral("BarColours"), BarKey(i), QString::number(colour)))
-                break;
+            // The writer reports its own failures; a key it had to add is no failure.
+            XMLSetSingleNode(ctx, QStringLiteral("BarColours"), BarKey(i), QString::number(colour));
             if (i <= ctx.optionColours.ubound())
                 ctx.optionColours(i) = qint32(colour);
         }

@@ -123,17 +123,17 @@ void AddData(RunContext& ctx, FrmTChart& form, int chartIndex)
                     const OleColor colour = OptionColour(ctx, OptionColourIndex(i));
                     if (ctx.SeriesPercentVsTotalKpads && ctx.seriesVoterTotal > 0) {
                         const double p = total / ctx.seriesVoterTotal * 100.0;
-                        const double f = std::pow(10.0, ctx.PercentDP);
-                        s.Add(std::round(p * f) / f, QString(), colour);
+                        const double f = std::pow(10.0, std::max(0.0, ctx.PercentDP));
+                        s.Add(std::nearbyint(p * f) / f, QString(), colour);
                     } else {
                         s.Add(total, QString(), colour);
                     }
                 } else if (ctx.SeriesPercentVsTotalKpads && ctx.seriesVoterTotal > 0) {
                     // The value is the share of voters; the label carries it as text.
                     const double p = ctx.optionCounts(i) / ctx.seriesVoterTotal * 100.0;
-                    const double f = std::pow(10.0, ctx.PercentDP);
-                    const double v = std::round(p * f) / f;
-                    s.Add(v, FormatFloat(GetPercentFormatString(ctx), v), OptionColour(ctx, OptionColourIndex(i)));
+                    const double f = std::pow(10.0, std::max(0.0, ctx.PercentDP));
+                    const double v = std::nearbyint(p * f) / f;
+                    s.Add(v, QString::number(v) + QLatin1Char('%'), OptionColour(ctx, OptionColourIndex(i)));
                 } else {
                     s.Add(ctx.optionCounts(i), QString(), OptionColour(ctx, OptionColourIndex(i)));
                 }
@@ -283,6 +283,11 @@ void SetUpAxes(RunContext& ctx, FrmTChart& form, int chartIndex, int /*dataChart
         }
         optionAxis.Increment = 1;
         valueAxis.Increment = 0;
+        // Points sit at 0, 1, 2...; the option axis names them by option number.
+        if ((IsVerticalBar(g) || horizontal) && optionAxis.Labels.Count() == 0 && c.SeriesCount() > 0) {
+            for (int i = 0; i < c.SERIES(0).Count(); ++i)
+                optionAxis.Labels.Add(i, QString::number(i + ctx.startFrom));
+        }
         c.Axis.Left.PositionPercent = 0;
         c.Axis.Left.ZPosition = 0;
         c.Axis.Left.AutomaticMaximum = true;

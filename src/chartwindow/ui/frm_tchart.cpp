@@ -55,8 +55,9 @@ FrmTChart::FrmTChart(RunContext& c, QWidget* parent)
         return t;
     };
     tmr_restart = timer(500, false, [this] {
-        OnKeyDown(0, 'R', 0);
+        // Off before the key, whose DoEvents would otherwise let it tick again.
         tmr_restart->setEnabled(false);
+        OnKeyDown(0, 'R', 0);
     });
     tmr_GotoMainSub = timer(20, false, [this] {
         tmr_GotoMainSub->setEnabled(false);
