@@ -1,6 +1,8 @@
 // The result window: where it lies, the presenter's keys, clicks and pointer, its timers.
 #include "chart_fixture.h"
 
+#include "chartwindow/after_result.h"
+
 #include <gtest/gtest.h>
 
 using namespace tallix;
@@ -137,6 +139,38 @@ TEST(FrmTChart, UnloadStopsTheTimersAndFadesOut)
     EXPECT_FALSE(f.tmrHideCursor->enabled());
     EXPECT_FALSE(f.tmrKeepFocus->enabled());
     EXPECT_EQ(f.Alpha(), 0);
+}
+
+TEST(AfterResult, TheNextStoredKeyEndsTheRunAndARestartDoesNot)
+{
+    {
+        ChartRun r;
+        FrmTChart& f = Shown(r);
+        r.ctx.voteRunning = true;
+        r.ctx.terminator = [](int c) { throw ProcessExit{c}; };
+        int pumps = 0;
+        r.run.t.pump.setHook([&] {
+            if (++pumps == 3)
+                f.OnKeyDown(0, 32, 0);
+        });
+        EXPECT_THROW(AwaitPresenterAfterResult(r.ctx), ProcessExit);
+        EXPECT_FALSE(r.ctx.voteRunning);
+        EXPECT_EQ(f.PendingKey(), 0);
+        r.run.t.pump.setHook({});
+    }
+    {
+        ChartRun r;
+        Shown(r);
+        r.ctx.voteRunning = true;
+        r.run.t.pump.setHook([&] {
+            if (r.charts->form())
+                r.charts->UnloadForm();
+        });
+        AwaitPresenterAfterResult(r.ctx);
+        EXPECT_TRUE(r.ctx.voteRunning);
+        EXPECT_EQ(r.ctx.FrmTChart, nullptr);
+        r.run.t.pump.setHook({});
+    }
 }
 
 } // namespace
