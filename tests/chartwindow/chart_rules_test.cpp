@@ -60,6 +60,42 @@ TEST(ChartRules, ClipIsCutToThePicture)
     EXPECT_EQ(FitClip(QRect(0, 400, 100, 300), QSize(960, 540)), QRect(0, 400, 100, 140));
 }
 
+TEST(ChartBackground, EachElementGetsThePieceOfTheShowBehindIt)
+{
+    ChartRun r;
+    r.setCounts(2, {1, 2});
+    FrmTChart& form = r.display();
+    ::tallix::TChart& second = form.TChart.Load(1);
+    second.Move(200 * kTwipsPerPixel, 0, 800 * kTwipsPerPixel, 100 * kTwipsPerPixel);
+    // A show picture whose pixels tell where they came from.
+    QImage show(960, 540, QImage::Format_RGB32);
+    for (int y = 0; y < show.height(); ++y)
+        for (int x = 0; x < show.width(); ++x)
+            show.setPixel(x, y, qRgb(x % 256, y % 256, x / 256));
+    backgroundPicture() = show;
+    RefreshTChart(r.ctx, form, 0, 0, 0, 0);
+    backgroundPicture() = QImage();
+
+    // The window lies at (96, 108); element 0 covers it, element 1 runs past the show's edge.
+    const QImage& p0 = form.TChart(0).Panel.backImage;
+    ASSERT_EQ(p0.size(), QSize(576, 378));
+    EXPECT_EQ(p0.pixel(0, 0), show.pixel(96, 108));
+    const QImage& p1 = second.Panel.backImage;
+    EXPECT_EQ(p1.size(), QSize(960 - 296, 100));
+    EXPECT_EQ(p1.pixel(0, 0), show.pixel(296, 108));
+    EXPECT_EQ(form.formPicture.size(), QSize(576, 378));
+}
+
+TEST(ChartBackground, NoPictureLeavesThePanelItsColour)
+{
+    ChartRun r;
+    r.setCounts(2, {1, 2});
+    FrmTChart& form = r.display();
+    EXPECT_TRUE(form.TChart(0).Panel.backImage.isNull());
+    GrabBackgroundClip(r.ctx);   // offscreen: nothing to read
+    EXPECT_TRUE(backgroundPicture().isNull());
+}
+
 TEST(ChartColours, ThemeColoursOfTheDeckAndTheDefaultFile)
 {
     ChartRun r;

@@ -143,4 +143,31 @@ TEST(GraphToSlide, ClosedPresentationEndsTheProgram)
     EXPECT_EQ(r.commits, 0);
 }
 
+TEST(GraphToSlide, SeriesVoteNamesEachElementAndGroupsTheIterations)
+{
+    ChartRun r;
+    r.ctx.vType = 2;
+    r.ctx.Iterations = 2;
+    r.ctx.DisplayBy = 0;
+    r.ctx.controllerVoteType = QStringLiteral("9");
+    r.setCounts(2, {5, 12, 3});
+    FrmTChart& form = r.display();
+    for (int e = 1; e <= 3; ++e) {
+        ::tallix::TChart& c = form.TChart.Load(e);
+        c.Move(0, 0, form.width() * kTwipsPerPixel, form.height() * kTwipsPerPixel);
+        c.SERIES(c.AddSeries(1)).Add(e, QString(), clNone);
+    }
+    GraphtoSlide(r.ctx, -1);
+    const QStringList names = r.shapeNames();
+    for (const char* n : {"tallix chart 0", "tallix chart 1", "tallix chart 2"})
+        EXPECT_TRUE(names.contains(QLatin1String(n))) << n;
+    EXPECT_FALSE(names.contains(QStringLiteral("tallix iteration 1"))) << "grouped into tallix chart 2";
+    EXPECT_EQ(r.shapes()->Item(QStringLiteral("tallix chart 2"))->Kind(), host::ShapeKind::Group);
+    // Only the element it was set to display is shown.
+    EXPECT_TRUE(r.shapes()->Item(QStringLiteral("tallix chart 0"))->Visible());
+    EXPECT_FALSE(r.shapes()->Item(QStringLiteral("tallix chart 1"))->Visible());
+    EXPECT_EQ(r.deck->ActivePresentation()->GetSlides()->Item(1)->GetTags()->Item(QStringLiteral("SequenceVote")),
+              QStringLiteral("1"));
+}
+
 } // namespace
