@@ -1,6 +1,7 @@
 #include "chart_colours.h"
 
 #include "foundation/dialogs.h"
+#include "foundation/environment.h"
 #include "foundation/error_report.h"
 #include "foundation/host.h"
 #include "foundation/logs.h"
@@ -44,8 +45,9 @@ QString HostColourOrder(const QString& version)
 void LoadDefaultColours(RunContext& ctx, short fromPresentation)
 {
     Guarded(ctx, kModule, "LoadDefaultColours", true, 0, [&] {
-        const QString file = QDir(ctx.app.folder).filePath(QStringLiteral("default.xml"));
-        if (!QFileInfo::exists(file)) {
+        // The program's folder ships it as "Default.xml"; the name is matched without case.
+        const QString file = FindFileNoCase(ctx.app.folder, QStringLiteral("default.xml"));
+        if (!FileExists(file)) {
             if (ctx.dialogs)
                 ctx.dialogs->MsgBox(QStringLiteral("Default XML file does not exist, shutting down."), 0,
                                     QStringLiteral("tallix - vote"));
@@ -62,8 +64,12 @@ void LoadDefaultColours(RunContext& ctx, short fromPresentation)
                 if (NodeName(n) == QLatin1String("#comment") || n.type() != pugi::node_element)
                     continue;
                 pugi::xml_node match = bars.child(n.name());
-                if (match)
-                    n.text().set(match.text().get());
+                const int index = NodeName(n).mid(3).toInt();
+                if (match && index >= 0 && index <= ctx.optionColours.ubound())
+                    Guarded(ctx, kModule, "LoadDefaultColours", false, 0, [&] {
+                        ctx.optionColours(index) = CLng(NodeText(match));
+                        return 0;
+                    });
             }
         }
         for (int i = 0; i <= ctx.optionColours.ubound(); ++i) {

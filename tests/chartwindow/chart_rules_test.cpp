@@ -99,7 +99,7 @@ TEST(ChartBackground, NoPictureLeavesThePanelItsColour)
 TEST(ChartColours, ThemeColoursOfTheDeckAndTheDefaultFile)
 {
     ChartRun r;
-    TestServices::write(r.run.t.path("app/default.xml"),
+    TestServices::write(r.run.t.path("app/Default.xml"),
                         "<tlxfile><BarColours><Bar000>1</Bar000><Bar001>2</Bar001><Bar009>99</Bar009>"
                         "<Bar010>bad</Bar010></BarColours>"
                         "<DefaultColours><!-- ours --><Bar001>5</Bar001></DefaultColours></tlxfile>");
