@@ -195,6 +195,24 @@ TEST(DisplayChart, HiddenBuildStaysOffView)
     EXPECT_EQ(form.TChart(0).SERIES(0).Count(), 3);
 }
 
+TEST(DisplayChart, RebuildInPlaceNeitherHidesNorFadesNorMoves)
+{
+    ChartRun r;
+    r.setCounts(2, {4, 9, 1});
+    FrmTChart& form = r.display();
+    form.ShowMe();
+    form.TChart(0).Move(0, 0, 300 * kTwipsPerPixel, 200 * kTwipsPerPixel);
+    r.ctx.optionCounts(1) = 20;
+    DisplayChartArgs a;
+    a.rebuild = 1;
+    r.display(a);
+    EXPECT_TRUE(form.isVisible());
+    EXPECT_EQ(form.Alpha(), 255);
+    EXPECT_EQ(form.TChart(0).width(), 300);
+    EXPECT_EQ(form.TChart(0).SERIES(0).PointValue(1), 20);
+    EXPECT_EQ(form.TChart(0).SeriesCount(), 1);
+}
+
 TEST(ChartAxes, AdjustAxesCentresBarsAndFontsScale)
 {
     struct Row {
