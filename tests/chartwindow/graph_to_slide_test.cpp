@@ -143,6 +143,29 @@ TEST(GraphToSlide, ClosedPresentationEndsTheProgram)
     EXPECT_EQ(r.commits, 0);
 }
 
+TEST(GraphToSlide, RatingItemsAreGroupedUnderThePlaceholdersName)
+{
+    ChartRun r;
+    r.setCounts(2, {5, 12, 3});
+    FrmTChart& form = r.display();
+    r.ctx.GraphType = 7;
+    for (int e = 1; e <= 2; ++e) {
+        ::tallix::TChart& c = form.TChart.Load(e);
+        c.Move(0, 0, 200 * kTwipsPerPixel, 100 * kTwipsPerPixel);
+        c.SERIES(c.AddSeries(2)).Add(e, QString(), clNone);
+    }
+    GraphtoSlide(r.ctx, -1);
+    const QStringList names = r.shapeNames();
+    EXPECT_EQ(names.count(QStringLiteral("tallix chart ratings")), 1);
+    EXPECT_EQ(r.shapes()->Item(QStringLiteral("tallix chart ratings"))->Kind(), host::ShapeKind::Group);
+    EXPECT_FALSE(names.contains(QStringLiteral("tallix chart")));
+    EXPECT_EQ(r.deck->ActivePresentation()->GetSlides()->Item(1)->GetTags()->Item(QStringLiteral("RankVote")),
+              QStringLiteral("1"));
+    // A rerun replaces the whole group.
+    GraphtoSlide(r.ctx, -1);
+    EXPECT_EQ(r.shapeNames().count(QStringLiteral("tallix chart ratings")), 1);
+}
+
 TEST(GraphToSlide, SeriesVoteNamesEachElementAndGroupsTheIterations)
 {
     ChartRun r;

@@ -240,6 +240,21 @@ void FrmTChart::GraphtoSlide(short index)
             });
         }
 
+        if (ctx.GraphType == 7 && index == -1) {
+            Step(ctx, [&] {
+                // The placeholder only held the place while the item pictures were made.
+                QStringList pictures = shapeNames;
+                pictures.removeAll(QStringLiteral("tallix chart ratings"));
+                IgnoringErrors([&] { shapes->Item(QStringLiteral("tallix chart ratings"))->Delete(); });
+                if (pictures.size() == 1)
+                    shapes->Item(pictures.first())->SetName(QStringLiteral("tallix chart ratings"));
+                else if (pictures.size() > 1)
+                    shapes->Group(pictures)->SetName(QStringLiteral("tallix chart ratings"));
+                shapeNames = pictures;
+                slide->GetTags()->Add(QStringLiteral("RankVote"), slideText);
+            });
+        }
+
         // One picture per further page of a paged bar chart, kept for the reshow.
         Step(ctx, [&] {
             if (!TChart.Exists(0) || ctx.GraphType == 7)
