@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 using namespace tallix;
 using namespace tallix::testing;
 
@@ -130,9 +132,17 @@ TEST(ChartColours, MissingDefaultFileShutsDown)
 TEST(ChartColours, BodyFontSizeGrowsByATenthAndIsClamped)
 {
     ChartRun r;
+    host::Shape* body = nullptr;
+    host::Shapes* shapes = r.shapes();
+    for (int i = 1; i <= shapes->Count(); ++i)
+        if (const int t = shapes->Item(i)->PlaceholderFormatType(); t == host::PlaceholderType::Body || t == host::PlaceholderType::Object)
+            body = shapes->Item(i);
+    ASSERT_NE(body, nullptr);
+    const host::Font f = body->GetTextFrame()->GetFont();
     SetFontFromPPT(r.ctx);
-    EXPECT_GE(r.ctx.FontSize, 1);
-    EXPECT_LE(r.ctx.FontSize, 24);
+    const int grown = int(std::nearbyint(f.Size * 1.1));
+    EXPECT_EQ(r.ctx.FontSize, grown >= 1 && grown <= 24 ? grown : 24) << f.Size;
+    EXPECT_EQ(r.ctx.Font.Name, f.Name);
     EXPECT_EQ(XMLGetItem(QStringLiteral("Size"), XMLGetString(r.ctx, QStringLiteral("Font"))),
               QString::number(r.ctx.FontSize));
 }
