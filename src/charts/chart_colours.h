@@ -1,6 +1,6 @@
 #pragma once
 // The option colours and the marks' font, taken from the default file and from the
-// presentation.
+// presentation, so that a chart wears the deck's colours.
 
 #include <QString>
 
@@ -8,8 +8,15 @@ namespace tallix {
 
 struct RunContext;
 
+// Colour of option `i` among `optionColours`: the option itself up to 10, then cycling
+// through 1..9, 0 for every further ten.
+int OptionColourIndex(int option);
+
 void LoadDefaultColours(RunContext& ctx, short fromPresentation);
 short SetColoursFromPPT(RunContext& ctx);
 void SetFontFromPPT(RunContext& ctx);
+
+// The host's colour order for its version: theme colours from 12 on, scheme colours before.
+QString HostColourOrder(const QString& version);
 
 } // namespace tallix

@@ -142,7 +142,8 @@ void ManualClock::advanceMs(qint64 ms)
         elapsedMs_ = std::max(elapsedMs_, next->due_);
         next->fire();
     }
-    elapsedMs_ = target;
+    // A handler that pumped has advanced the clock already; time never runs back.
+    elapsedMs_ = std::max(elapsedMs_, target);
 }
 
 void ManualClock::setNow(const QDateTime& t)

@@ -310,6 +310,10 @@ public:
     {
         // Callers keep these objects, so none is ever replaced.
         auto& slot = cache[{id, name}];
+        // A renamed shape keeps its object but not its key: a new shape that reuses the
+        // deleted one's id and first name must not be handed the renamed object.
+        if (slot && (slot->name != name || slot->id != id))
+            retired.push_back(std::move(slot));
         if (!slot)
             slot = std::make_unique<ShapeImpl>(h, slideId, notes, name, id);
         return slot.get();
@@ -396,6 +400,7 @@ public:
     qint64 slideId;
     bool notes;
     std::map<std::pair<int, QString>, std::unique_ptr<ShapeImpl>> cache;
+    std::vector<std::unique_ptr<ShapeImpl>> retired; // callers may still hold them
 };
 
 class SlideImpl : public Slide {

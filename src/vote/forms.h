@@ -81,6 +81,16 @@ public:
     virtual ~ResultForm() = default;
     // Puts the chart on the question slide; -1 exports every chart element.
     virtual void GraphtoSlide(short elements) = 0;
+
+    // For the after-vote dispatcher: the key that ended the result (0 none yet) and the
+    // shift state stored with it (2 = Ctrl), and the restart asked for by another form.
+    virtual short PendingKey() const = 0;
+    virtual short PendingShift() const = 0;
+    virtual void ClearPendingKey() = 0;
+    virtual void ExternalRestart() = 0;
+    // Full opacity and topmost.
+    virtual void ShowMe() = 0;
+    virtual bool IsOnView() const = 0;
 };
 
 } // namespace tallix

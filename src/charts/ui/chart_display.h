@@ -1,0 +1,31 @@
+#pragma once
+// The standard chart of a graph vote on the result window: series, marks, margins,
+// paging, sorting, the growing animation and the abstain count.
+
+#include "charts/chart_procedures.h"
+
+#include <QtGlobal>
+
+namespace tallix {
+
+struct RunContext;
+class FrmTChart;
+class TChart;
+
+void DisplayChart(RunContext& ctx, FrmTChart& form, DisplayChartArgs& a);
+void AddData(RunContext& ctx, FrmTChart& form, int chartIndex);
+void DynamicAxes(RunContext& ctx, FrmTChart& form, short useFixedMax, qint32 axisCeiling);
+void AdjustAxes(RunContext& ctx, FrmTChart& form, int chartIndex, short count);
+void SetGradientColour(RunContext& ctx, FrmTChart& form, int chartIndex, int seriesIndex);
+void StartAnimation(RunContext& ctx, FrmTChart& form, int chartIndex, int seriesIndex, short fast);
+
+void SetUpLegend(RunContext& ctx, FrmTChart& form, int chartIndex, int legendIndex, bool fromRecord);
+void AdjustChartFont(TChart& chart, int chartIndex, float factor);
+void SetChartDimensions(RunContext& ctx, FrmTChart& form, int chartIndex);
+void SetUpAxes(RunContext& ctx, FrmTChart& form, int chartIndex, int dataChart);
+
+bool IsPieKind(short graphType);
+bool IsVerticalBar(short graphType);
+bool IsHorizontalBar(short graphType);
+
+} // namespace tallix

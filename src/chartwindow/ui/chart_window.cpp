@@ -1,0 +1,72 @@
+#include "chart_window.h"
+
+#include "charts/ui/chart_display.h"
+#include "chartwindow/ui/frm_tchart.h"
+#include "chartwindow/ui/refresh_tchart.h"
+#include "vote/not_built.h"
+#include "vote/run_context.h"
+#include "vote/vote_main.h"
+
+#include <QTimer>
+
+namespace tallix {
+
+ChartWindowProcedures::ChartWindowProcedures(RunContext& ctx) : ctx_(ctx) {}
+
+ChartWindowProcedures::~ChartWindowProcedures()
+{
+    if (ctx_.FrmTChart == form_.get())
+        ctx_.FrmTChart = nullptr;
+    if (ctx_.chartProcedures == this)
+        ctx_.chartProcedures = nullptr;
+}
+
+FrmTChart& ChartWindowProcedures::LoadForm()
+{
+    if (!form_) {
+        form_ = std::make_unique<FrmTChart>(ctx_);
+        form_->gotoMainSub = [this] {
+            // The form goes first, once the timer's own handler has returned.
+            QTimer::singleShot(0, [this] {
+                UnloadForm();
+                Main(ctx_);
+            });
+        };
+        form_->Form_Load();
+        ctx_.FrmTChart = form_.get();
+    }
+    return *form_;
+}
+
+void ChartWindowProcedures::UnloadForm()
+{
+    if (!form_)
+        return;
+    form_->Form_Unload();
+    form_->hide();
+    if (ctx_.FrmTChart == form_.get())
+        ctx_.FrmTChart = nullptr;
+    form_.release()->deleteLater();
+}
+
+void ChartWindowProcedures::DisplayChart(DisplayChartArgs& args) { ::tallix::DisplayChart(ctx_, LoadForm(), args); }
+
+void ChartWindowProcedures::DisplayMultiChart(short, short, bool)
+{
+    NotBuiltYet(ctx_, "Common_ChartDisplay", "DisplayMultiChart");
+}
+
+void ChartWindowProcedures::DisplayTick() { NotBuiltYet(ctx_, "Common_ChartDisplay", "DisplayTick"); }
+
+void ChartWindowProcedures::DrawDynamicChart() { NotBuiltYet(ctx_, "CVote", "DrawDynamicChart"); }
+
+void ChartWindowProcedures::GrabBackground(const char*) { GrabBackgroundClip(ctx_); }
+
+std::unique_ptr<ChartWindowProcedures> InstallChartWindow(RunContext& ctx)
+{
+    auto procedures = std::make_unique<ChartWindowProcedures>(ctx);
+    ctx.chartProcedures = procedures.get();
+    return procedures;
+}
+
+} // namespace tallix
