@@ -6,6 +6,8 @@
 #include "vote/vote_driver.h"
 #include "vote/vote_main.h"
 
+#include <QFile>
+
 #include <gtest/gtest.h>
 
 using namespace tallix;
@@ -35,6 +37,7 @@ protected:
         ctx.oPPT = ppt.get();
         ctx.oPres = ppt->ActivePresentation();
         ctx.app.processId = 77;
+        QFile::copy(TALLIX_SOURCE_DIR "/data/Default.xml", run.t.path("app/Default.xml"));
         ctx.terminator = [this](int code) {
             ++exits;
             throw ProcessExit{code};
@@ -90,7 +93,7 @@ TEST_F(StartUp, ASlideWithoutSettingsEndsWithItsReasonAndNoMessage)
     launch("TLXVOTE,2");
     EXPECT_EQ(exits, 1);
     EXPECT_EQ(terminated(), "Unable to load vote info\r\n77");
-    EXPECT_TRUE(run.t.dialogs.shown.empty());
+    EXPECT_TRUE(run.t.dialogs.shown.empty()) << run.t.dialogs.shown[0].text.toStdString();
 }
 
 TEST_F(StartUp, UnreadableSettingsAreShownThenEndTheRun)
