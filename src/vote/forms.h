@@ -15,9 +15,12 @@ inline const QString comms = QStringLiteral("comms");
 inline const QString vCast = QStringLiteral("vCast");
 inline const QString FrmTChart = QStringLiteral("FrmTChart");
 inline const QString keypadsNotVoted = QStringLiteral("keypadsNotVoted");
+inline const QString formHelp = QStringLiteral("formHelp");
 } // namespace FormName
 
 // Loads and unloads the program's windows by name, in the order they were loaded.
+class KeypadsNotVotedForm;
+
 class FormManager {
 public:
     virtual ~FormManager() = default;
@@ -26,6 +29,12 @@ public:
     virtual void Load(const QString& name) = 0;
     virtual void Unload(const QString& name) = 0;
     virtual QStringList LoadedForms() const = 0;
+    // The keypads-not-voted window while it is loaded.
+    virtual KeypadsNotVotedForm* keypadsNotVotedForm() { return nullptr; }
+    // `formHelp`, the operator's key list over the show.
+    virtual void ShowHelp() {}
+    // Every window fades to full transparency (before the show moves on by itself).
+    virtual void FadeOutAll() {}
 };
 
 // The votes-cast window, as far as vote logic needs it.
@@ -40,6 +49,50 @@ public:
     virtual void LogBaseResponded(short base) = 0;
     // The counter label `Label1`: its caption and font size.
     virtual void SetCounterLabel(const QString& caption, int fontSize) = 0;
+
+    // --- The live vote: what runners, close and the decoder ask of the window.
+    // Defaults do nothing, so a fake need only override what its test looks at.
+    virtual QString CounterCaption() const { return {}; }
+    // `Tag`: the count-down's time left as text, written by the clock every tick.
+    virtual QString Tag() const { return {}; }
+    virtual void SetTag(const QString&) {}
+    virtual void VoteClosed() {}
+    // Passes a key on as if typed: KeyPress, then KeyDown with the same code.
+    virtual void KeyInput(int) {}
+    virtual void RunRevote() {}
+    virtual bool IsVisible() const { return false; }
+    virtual void BringToFront() {}
+    // Stops `Tmr_AppOpen` and `tmr_cDownTimer` (a revote draws over the slide).
+    virtual void DisableRevoteTimers() {}
+    // 500 ms later the keypads-not-voted refresh runs again with force off.
+    virtual void StartKeypadsNotVotedCheck() {}
+    virtual void SetProgressValue(int) {}
+
+    // --- Dressing before a vote.
+    virtual void SetCaptionText(const QString&) {}
+    // Uses the picture as the window's skin; false when it cannot be read.
+    virtual bool ApplySkin(const QString&) { return false; }
+    virtual void SetLabelFontSizes(int /*counter*/, int /*caption*/) {}
+    // Places the window over the show: fractions of the show's picture, topmost.
+    virtual void PlaceOverShow(float /*topFraction*/, float /*leftFraction*/) {}
+    virtual void SetPausedVisible(bool) {}
+    virtual void EnablePauseTimer(bool) {}
+    virtual void StartCountDown(bool /*clockRunning*/) {}
+    virtual void SetBarShown(bool) {}
+    virtual void SetKeypadText(const QString&) {}
+    virtual void ShowLabels() {}
+    virtual void SetOpacity(double) {}
+};
+
+// The keypads-not-voted window.
+class KeypadsNotVotedForm {
+public:
+    virtual ~KeypadsNotVotedForm() = default;
+    virtual QString ListCaption() const = 0;
+    virtual bool FadingIn() const = 0;
+    virtual void BringToFrontOpaque() = 0;
+    virtual void SetOpacity(double) = 0;
+    virtual void showNotVoted() = 0;
 };
 
 // The result window `FrmTChart`, as far as vote logic needs it.

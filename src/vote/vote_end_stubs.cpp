@@ -1,0 +1,30 @@
+#include "vote_end_stubs.h"
+
+#include "vote/not_built.h"
+#include "vote/run_context.h"
+
+namespace tallix {
+
+void EndTextVote(RunContext& ctx) { NotBuiltYet(ctx, "TextVote", "EndTextVote"); }
+void EndRankVote(RunContext& ctx) { NotBuiltYet(ctx, "RankVote", "EndRankVote"); }
+void showRankResultsAll(RunContext& ctx) { NotBuiltYet(ctx, "Common_ChartDisplay", "showRankResultsAll"); }
+void DisplayRatingChart(RunContext& ctx) { NotBuiltYet(ctx, "Common_ChartDisplay", "DisplayRatingChart"); }
+
+bool ScalepadSetup(RunContext& ctx)
+{
+    NotBuiltYet(ctx, "scalepad_votes", "ScalepadSetup");
+    return false;
+}
+
+void RemoveObjectsAutomaticallyAddedByPPT(RunContext& ctx, short)
+{
+    NotBuiltYet(ctx, "Vote", "RemoveObjectsAutomaticallyAddedByPPT");
+}
+
+} // namespace tallix
+
+namespace tallix {
+void JolttextVote_ResultsDisplay(RunContext& ctx) { NotBuiltYet(ctx, "scalepad_votes", "JolttextVote_ResultsDisplay"); }
+void Numeric_ResultsDisplay(RunContext& ctx) { NotBuiltYet(ctx, "scalepad_votes", "Numeric_ResultsDisplay"); }
+void ConvertResultsToFractions(RunContext& ctx) { NotBuiltYet(ctx, "scalepad_votes", "ConvertResultsToFractions"); }
+} // namespace tallix
