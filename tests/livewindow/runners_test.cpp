@@ -150,3 +150,26 @@ TEST_F(LiveVoteTest, CloseVoteZeroesTheCountBeforeTheResultIsMade)
     EXPECT_EQ(ctx.voteEnded, 1);
     EXPECT_EQ(charts.charts, 1);
 }
+
+TEST_F(LiveVoteTest, RandomVotesKeyFillsEveryKeypadAndCloses)
+{
+    ctx.votes(2) = "3";   // a keypad that voted keeps its vote
+    EXPECT_TRUE(endsProcess([&] { vcast().KeyInput('g'); }));
+    for (int k = 1; k <= ctx.keypadUniverse; ++k) {
+        const double v = ctx.votes(k - 1).toDouble();
+        EXPECT_GE(v, 1) << k;
+        EXPECT_LE(v, ctx.optionCount) << k;
+    }
+    EXPECT_EQ(vote(3), "3");
+    EXPECT_EQ(charts.charts, 1);
+}
+
+TEST_F(LiveVoteTest, RevoteWithABrokenQuestionEndsWithItsReason)
+{
+    ctx.oPres->GetSlides()->Item(2)->GetTags()->Add("TLXVOTE", "<tlxfile><unclosed>");
+    EXPECT_TRUE(endsProcess([&] { vcast().KeyInput('r'); }));
+    EXPECT_EQ(forms.unloads[FormName::vCast], 1);
+    ASSERT_FALSE(run.t.dialogs.shown.empty());
+    EXPECT_TRUE(run.t.dialogs.shown.back().text.contains("Error loading vote information"));
+    EXPECT_EQ(ReadVoteEnd(ctx), "Unable to load vote info");
+}
