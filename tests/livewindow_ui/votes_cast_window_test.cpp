@@ -2,6 +2,7 @@
 // folder, the count-up and count-down pictures are written there (docs/ in the tree).
 
 #include "livewindow/ui/keypads_not_voted_window.h"
+#include "livewindow/ui/live_window_forms.h"
 #include "livewindow/ui/votes_cast_window.h"
 #include "support/test_context.h"
 
@@ -119,4 +120,23 @@ TEST(HelpWindow, CarriesTheKeyListAndItsTitle)
     ASSERT_EQ(lines.size(), 12);
     EXPECT_EQ(lines.first(), "'r' = restart a vote");
     EXPECT_EQ(lines[10], "'ALT+K' = Renable Keypads for voting if you have pressed a number or G");
+}
+
+TEST_F(VotesCastWindowTest, LiveFormsLoadAndUnloadByName)
+{
+    ctx.keypadUniverse = 4;
+    ResetVoteArrays(ctx);
+    ctx.activeKeypads = QStringList{"1", "2", "3", "4"};
+    ctx.votes(1) = "2";
+    LiveWindowForms forms(ctx);
+    forms.Load(FormName::vCast);
+    ASSERT_NE(ctx.vCast, nullptr);
+    EXPECT_EQ(ctx.vCast->CounterCaption(), "Please Wait");
+    forms.Load(FormName::keypadsNotVoted);
+    ASSERT_NE(forms.keypadsNotVoted(), nullptr);
+    EXPECT_EQ(forms.keypadsNotVoted()->ListCaption(), "1 3 4 ");
+    forms.Unload(FormName::vCast);
+    EXPECT_EQ(ctx.vCast, nullptr);
+    EXPECT_FALSE(forms.IsLoaded(FormName::vCast));
+    EXPECT_TRUE(forms.IsLoaded(FormName::keypadsNotVoted));
 }
