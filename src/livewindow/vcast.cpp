@@ -18,6 +18,7 @@
 #include "vote/random_votes.h"
 #include "vote/run_context.h"
 #include "vote/vote_close.h"
+#include "vote/vote_end_stubs.h"
 #include "vote/vote_main.h"
 
 #include <QFileInfo>
@@ -498,11 +499,17 @@ void vCastForm::Form_KeyPress(int key)
         } else if ((key == 'R' || key == 'r') && ctx_.GraphType != 7) {
             RunRevote();
             return;
-        } else if (key == 'r' || key == 'R') {
-            // Rating restarts belong to the rating runner; both fall back to a fresh run.
+        } else if (key == 'r') {
+            // The whole rating vote again, from its first item.
             ctx_.rankItemIndex = 0;
             RunRevote();
             return;
+        } else if (key == 'R') {
+            // Only the current rating item again.
+            nextKeyboardKeypad = ctx_.firstKeypad - 1;
+            ctx_.votesCast = 0;
+            DoCountUpRankVote(ctx_, ctx_.rankItemIndex);
+            ctx_.internalRestart = true;
         } else if (key == 'P' || key == 'p') {
             if (ctx_.FixedFree == 1 && ctx_.FractionalJoltTEXT == 1 && ctx_.Joltdisplay == 0)
                 PauseOrResume();

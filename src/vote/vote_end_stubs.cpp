@@ -7,6 +7,7 @@ namespace tallix {
 
 void EndTextVote(RunContext& ctx) { NotBuiltYet(ctx, "TextVote", "EndTextVote"); }
 void EndRankVote(RunContext& ctx) { NotBuiltYet(ctx, "RankVote", "EndRankVote"); }
+void DoCountUpRankVote(RunContext& ctx, short) { NotBuiltYet(ctx, "RankVote", "DoCountUpRankVote"); }
 void showRankResultsAll(RunContext& ctx) { NotBuiltYet(ctx, "Common_ChartDisplay", "showRankResultsAll"); }
 void DisplayRatingChart(RunContext& ctx) { NotBuiltYet(ctx, "Common_ChartDisplay", "DisplayRatingChart"); }
 

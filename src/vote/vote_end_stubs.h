@@ -8,6 +8,7 @@ struct RunContext;
 
 void EndTextVote(RunContext& ctx);
 void EndRankVote(RunContext& ctx);
+void DoCountUpRankVote(RunContext& ctx, short item);
 void showRankResultsAll(RunContext& ctx);
 void DisplayRatingChart(RunContext& ctx);
 bool ScalepadSetup(RunContext& ctx);

@@ -65,3 +65,15 @@ TEST_F(LiveVoteTest, VotesCastWindowIsPlacedOverTheShowsPicture)
     EXPECT_EQ(ctx.PowerPointSlideShow_hwnd, 0);
     EXPECT_EQ(fallback.Left, (Desktop().desktop.width() - 220) / 2);
 }
+
+TEST_F(LiveVoteTest, FadeStepsTheOpacityOverItsTimeAndEndsExactly)
+{
+    std::vector<double> levels;
+    const double start = run.t.clock.secondsSinceMidnight();
+    FadeWindow(ctx, [&](double o) { levels.push_back(o); }, 1.0, 0.0, 0.5);
+    EXPECT_NEAR(run.t.clock.secondsSinceMidnight() - start, 0.5, 0.02);
+    ASSERT_GT(levels.size(), 5u);
+    EXPECT_DOUBLE_EQ(levels.front(), 1.0);
+    EXPECT_DOUBLE_EQ(levels.back(), 0.0);
+    EXPECT_TRUE(std::is_sorted(levels.rbegin(), levels.rend()));
+}
