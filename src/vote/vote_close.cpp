@@ -200,6 +200,7 @@ void RunRevote(RunContext& ctx)
         ctx.internalRestart = true;
         unloadAllButComms(ctx);
         ResetVoteArrays(ctx);
+        ctx.notVotedShown = false;
         waitPumping(ctx, 0.2);
         ctx.pump->DoEvents();
         waitPumping(ctx, 0.2);
@@ -253,7 +254,7 @@ void FullShutDown(RunContext& ctx)
             return;
         }
         if (ctx.arg5 == "ALL" && ctx.oPPT)
-            ctx.oPPT->Run("nowExpandAllCharts");
+            ctx.oPPT->Run("nowExpandAllCharts");   // committed just above
         RemoveObjectsAutomaticallyAddedByPPT(ctx, ctx.currentSlide);
         if (ctx.arg1 != "TLXRESHOW" && ctx.comms)
             ctx.comms->SendCommandToController("EndVote\r\nDeleteTask=Vote,Voting...");
@@ -270,6 +271,9 @@ void FullShutDown(RunContext& ctx)
                 // Even past the last slide: what the macro does then is its own matter.
                 const int next = s ? s->SlideIndex() + 1 : 1;
                 WriteDebugLog(ctx, 0, "PreLoadVoteConfig " + QString::number(next), kModule, "FullShutDown");
+                // The macro may read the deck: it must see this run's changes.
+                if (ctx.CommitPresentation)
+                    ctx.CommitPresentation();
                 ctx.oPPT->Run("PreLoadVoteConfig");
             }
         } catch (const ProcessExit&) {
