@@ -53,9 +53,14 @@ void KeypadsNotVotedWindow::BringToFrontOpaque()
 
 void KeypadsNotVotedWindow::Timer1_Timer()
 {
-    if (isVisible())
+    // A redraw waits out its second pumping; the ticks meanwhile must not pile up.
+    if (redrawing_)
+        return;
+    if (isVisible()) {
+        redrawing_ = true;
         showNotVoted();
-    else if (ctx_.forms)
+        redrawing_ = false;
+    } else if (ctx_.forms)
         ctx_.forms->Unload(FormName::keypadsNotVoted);
 }
 

@@ -37,6 +37,7 @@ private:
     std::unique_ptr<IntervalTimer> timer1_;
     NotVotedListState state_;
     QString text_;
+    bool redrawing_ = false;
 };
 
 // `formHelp`: the operator's keys, closed with Escape.
