@@ -241,3 +241,15 @@ TEST_F(LiveVoteTest, NotVotedListPagesWithOffsetsAndPace)
     state.listStart = 1;   // keypad 2 has voted: the page starts at 3 and wraps
     EXPECT_EQ(showNotVoted(ctx, state, ended), "3 4 1 ");
 }
+
+TEST_F(LiveVoteTest, WatchOfTheShowBringsItBackAndEndsWhenItCloses)
+{
+    host::View* show = ppt.SlideShowWindows(1)->GetView();
+    show->GotoSlide(3);
+    run.t.clock.advanceMs(500);
+    EXPECT_EQ(show->GetSlide()->SlideIndex(), 2);
+
+    ppt.config().showRunning = false;
+    EXPECT_THROW(run.t.clock.advanceMs(500), ProcessExit);
+    EXPECT_EQ(ReadVoteEnd(ctx), "Vote finished");
+}
