@@ -330,8 +330,10 @@ void vCastForm::Tmr_AppOpen_Timer()
         }
         if (ctx_.FractionalJoltTEXT == 2)
             return;
-        if (ctx_.forms && ctx_.forms->IsLoaded(FormName::formHelp))
-            return;   // the help window keeps its own place and focus
+        if (ctx_.forms && ctx_.forms->IsLoaded(FormName::formHelp)) {
+            ctx_.forms->ShowHelp();   // kept over the show and in focus while it is open
+            return;
+        }
         PlaceOverShow(ctx_.vCastTop, ctx_.vCastLeft);
         if (view_.isWindowVisible())
             view_.raiseAndFocus();
