@@ -15,9 +15,12 @@ inline const QString comms = QStringLiteral("comms");
 inline const QString vCast = QStringLiteral("vCast");
 inline const QString FrmTChart = QStringLiteral("FrmTChart");
 inline const QString keypadsNotVoted = QStringLiteral("keypadsNotVoted");
+inline const QString formHelp = QStringLiteral("formHelp");
 } // namespace FormName
 
 // Loads and unloads the program's windows by name, in the order they were loaded.
+class KeypadsNotVotedForm;
+
 class FormManager {
 public:
     virtual ~FormManager() = default;
@@ -26,6 +29,12 @@ public:
     virtual void Load(const QString& name) = 0;
     virtual void Unload(const QString& name) = 0;
     virtual QStringList LoadedForms() const = 0;
+    // The keypads-not-voted window while it is loaded.
+    virtual KeypadsNotVotedForm* keypadsNotVotedForm() { return nullptr; }
+    // `formHelp`, the operator's key list over the show.
+    virtual void ShowHelp() {}
+    // Every window fades to full transparency (before the show moves on by itself).
+    virtual void FadeOutAll() {}
 };
 
 // The votes-cast window, as far as vote logic needs it.
@@ -75,6 +84,17 @@ public:
     virtual void SetOpacity(double) {}
 };
 
+// The keypads-not-voted window.
+class KeypadsNotVotedForm {
+public:
+    virtual ~KeypadsNotVotedForm() = default;
+    virtual QString ListCaption() const = 0;
+    virtual bool FadingIn() const = 0;
+    virtual void BringToFrontOpaque() = 0;
+    virtual void SetOpacity(double) = 0;
+    virtual void showNotVoted() = 0;
+};
+
 // The result window `FrmTChart`, as far as vote logic needs it.
 class ResultForm {
 public:
@@ -84,13 +104,14 @@ public:
 
     // For the after-vote dispatcher: the key that ended the result (0 none yet) and the
     // shift state stored with it (2 = Ctrl), and the restart asked for by another form.
-    virtual short PendingKey() const = 0;
-    virtual short PendingShift() const = 0;
-    virtual void ClearPendingKey() = 0;
-    virtual void ExternalRestart() = 0;
+    // Defaults do nothing, so a fake need only override what its test looks at.
+    virtual short PendingKey() const { return 0; }
+    virtual short PendingShift() const { return 0; }
+    virtual void ClearPendingKey() {}
+    virtual void ExternalRestart() {}
     // Full opacity and topmost.
-    virtual void ShowMe() = 0;
-    virtual bool IsOnView() const = 0;
+    virtual void ShowMe() {}
+    virtual bool IsOnView() const { return false; }
 };
 
 } // namespace tallix

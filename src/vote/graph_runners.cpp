@@ -1,28 +1,244 @@
 #include "graph_runners.h"
 
-#include "vote/not_built.h"
+#include "charts/chart_procedures.h"
+#include "charts/collation.h"
+#include "controller/comms.h"
+#include "foundation/clock.h"
+#include "foundation/dialogs.h"
+#include "foundation/error_report.h"
+#include "foundation/event_pump.h"
+#include "foundation/host.h"
+#include "foundation/logs.h"
+#include "foundation/numbers.h"
+#include "livewindow/keypads_not_voted.h"
+#include "results/common_io.h"
+#include "results/save_votes.h"
+#include "vote/forms.h"
+#include "controller/scalepad_votes.h"
 #include "vote/run_context.h"
+#include "vote/vote_close.h"
+#include "vote/vote_driver.h"
+#include "vote/vote_end_stubs.h"
 
 namespace tallix {
 
+namespace {
+
+const char* kModule = "CVote";
+// How long a wait loop may block for the next event: short, so the loop notices its
+// end promptly, but never a spin.
+constexpr int kLoopWaitMs = 10;
+
+bool hasBase(const RunContext& ctx)
+{
+    const QString b = ctx.BaseType.toUpper();
+    return b != "KBOARD" && !b.isEmpty();
+}
+
+bool startVote(RunContext& ctx)
+{
+    return ctx.comms && ctx.comms->StartVote();
+}
+
+void showKeyboardCaption(RunContext& ctx)
+{
+    if (ctx.vCast)
+        ctx.vCast->SetCounterLabel("K'Board", 18);
+}
+
+double timeLeftShown(RunContext& ctx, double current)
+{
+    return ctx.vCast ? tlxVal(ctx.vCast->Tag()) : current;
+}
+
+bool resultWindowLoaded(RunContext& ctx)
+{
+    return FormIsLoaded(ctx, FormName::FrmTChart);
+}
+
+} // namespace
+
 void DoCountUpGraphVote(RunContext& ctx)
 {
-    NotBuiltYet(ctx, "CVote", "DoCountUpGraphVote");
+    Guarded(ctx, kModule, "DoCountUpGraphVote", true, [&] {
+        ResetVoteArrays(ctx);
+        ctx.notVotedCount = 0;
+        ctx.voteEnded = 0;
+        if (hasBase(ctx)) {
+            if (startVote(ctx)) {
+                RefreshKeypadsNotVoted(ctx, true);
+                return;   // the vote stays open, driven by events
+            }
+            const int answer = ctx.dialogs->MsgBox("Unable to start vote, retry or cancel and check keypad setup",
+                                                   MsgBoxStyle::RetryCancel + MsgBoxStyle::Critical, "tallix");
+            if (answer == MsgBoxResult::Retry) {
+                short restart = 0;
+                execVote(ctx, restart);
+            } else {
+                RecordVoteEnd(ctx, "Vote finished");
+                FullShutDown(ctx);
+            }
+            return;
+        }
+        showKeyboardCaption(ctx);
+        do {
+            ctx.pump->WaitForEvents(kLoopWaitMs);
+            RefreshKeypadsNotVoted(ctx, false);
+        } while (ctx.voteEnded == 0 && ctx.voteCancelled == 0);
+    });
 }
 
 void DoCountDownGraphVote(RunContext& ctx)
 {
-    NotBuiltYet(ctx, "CVote", "DoCountDownGraphVote");
+    Guarded(ctx, kModule, "DoCountDownGraphVote", true, [&] {
+        ResetVoteArrays(ctx);
+        RefreshKeypadsNotVoted(ctx, false);
+        ctx.voteEnded = 0;
+        GrabBackground(ctx, "vCast");
+        if (ctx.vCast)
+            ctx.vCast->BringToFront();
+        double timeLeft = ctx.TimeLeft;
+        if (hasBase(ctx)) {
+            if (startVote(ctx)) {
+                do {
+                    RefreshKeypadsNotVoted(ctx, false);
+                    ctx.pump->WaitForEvents(kLoopWaitMs);
+                    timeLeft = timeLeftShown(ctx, timeLeft);
+                    if (timeLeft < 1 && ctx.countDownExpired >= 2 && !ctx.CountDownManualEnd)
+                        break;
+                    if (ctx.voteEnded == 1)
+                        break;
+                } while (ctx.voteCancelled == 0);
+            }
+        } else {
+            if (!ctx.CountDownManualStart)
+                showKeyboardCaption(ctx);
+            do {
+                ctx.pump->WaitForEvents(kLoopWaitMs);
+                RefreshKeypadsNotVoted(ctx, false);
+                timeLeft = timeLeftShown(ctx, timeLeft);
+            } while (ctx.voteEnded == 0 && ctx.voteCancelled == 0 &&
+                     (timeLeft > 0 || ctx.countDownExpired < 2 || ctx.CountDownManualEnd));
+        }
+        if (!resultWindowLoaded(ctx))
+            closeVote(ctx);
+        if (ctx.vCast)
+            ctx.vCast->VoteClosed();
+        ctx.dialogs->RestorePointer();
+        if (ctx.ShowGraphs) {
+            GrabBackground(ctx, "FrmTChart");
+        } else {
+            SaveVotes(ctx, 0);
+            RecordVoteEnd(ctx, "Vote finished");
+            FullShutDown(ctx);
+        }
+    });
 }
 
 void doCountUpDynamic(RunContext& ctx)
 {
-    NotBuiltYet(ctx, "CVote", "doCountUpDynamic");
+    Guarded(ctx, kModule, "doCountUpDynamic", true, [&] {
+        ResetVoteArrays(ctx);
+        RefreshKeypadsNotVoted(ctx, false);
+        ctx.voteEnded = 0;
+        if (ctx.vCast)
+            ctx.vCast->SetCounterLabel("0", 24);
+        if (ctx.haveTick == 2)
+            ctx.haveTick = 1;   // a correct-answer mark is not kept hidden on a live chart
+        ctx.pump->DoEvents();
+        DisplayChartArgs args;
+        args.keepCounts = -1;
+        args.fadeIn = 1;
+        DisplayChart(ctx, args);
+        // Time for the chart to paint.
+        for (int i = 0; i < 251; ++i)
+            ctx.pump->DoEvents();
+        GrabBackground(ctx, "vCast");
+        ctx.pump->DoEvents();
+        if (ctx.vCast)
+            ctx.vCast->BringToFront();
+        const bool open = hasBase(ctx) ? startVote(ctx) : true;
+        if (!hasBase(ctx))
+            showKeyboardCaption(ctx);
+        if (open) {
+            ctx.dynamicChartLastDraw = ctx.clock->secondsSinceMidnight();
+            do {
+                ctx.pump->WaitForEvents(kLoopWaitMs);
+                if (ctx.clock->secondsSinceMidnight() - ctx.dynamicChartLastDraw > 1.0 && ctx.liveChartDirty)
+                    DrawDynamicChart(ctx);
+            } while (ctx.voteEnded == 0 && ctx.voteCancelled == 0);
+        }
+        if (ctx.voteReceived) {
+            DrawDynamicChart(ctx);
+            if (ctx.vCast)
+                ctx.vCast->VoteClosed();
+        } else {
+            if (ctx.forms)
+                ctx.forms->Unload(FormName::FrmTChart);
+            FullShutDown(ctx);
+        }
+    });
 }
 
 void EndNormalVote(RunContext& ctx)
 {
-    NotBuiltYet(ctx, "CVote", "EndNormalVote");
+    Guarded(ctx, kModule, "EndNormalVote", true, [&] {
+        if (ctx.forms)
+            ctx.forms->Unload(FormName::keypadsNotVoted);
+        const bool reshow = ctx.arg1 == "TLXRESHOW";
+        if (!reshow && !ctx.voteReceived) {
+            RecordVoteEnd(ctx, "Vote finished");
+            if (ctx.vType == 0 || ctx.vType == 1)
+                FullShutDown(ctx);
+            return;
+        }
+        const QString& cvt = ctx.controllerVoteType;
+        const bool listVote = cvt == "3" || cvt == "5" || cvt == "1";
+        if (!listVote) {
+            if (ctx.voteCancelled == 0)
+                SaveVotes(ctx, 0);
+        } else {
+            ctx.vType = 2;
+            if (ctx.voteCancelled == 0)
+                saveSeriesVotes(ctx);
+        }
+        if (ctx.FixedFree == 1 && ctx.FractionalJoltTEXT > 0) {
+            JolttextVote_ResultsDisplay(ctx);
+            return;
+        }
+        DisplayChartArgs args;
+        if (cvt == "6") {
+            ScalepadSetup(ctx);
+            ctx.vType = 0;
+            args.seriesCount = -1;
+            args.fadeIn = 1;
+            DisplayChart(ctx, args);
+        } else if (cvt == "12" || cvt == "99") {
+            ctx.vType = 0;
+            args.seriesCount = -1;
+            args.fadeIn = 2;
+            DisplayChart(ctx, args);
+        } else if (ctx.vType == 2) {
+            DisplayMultiChart(ctx, ctx.DisplayBy, ctx.Iterations, reshow);
+        } else {
+            if (ctx.FixedFree == 1) {
+                if (ctx.FreeNumDisplay_Type == 0)
+                    ConvertResultsToFractions(ctx);
+                else
+                    Numeric_ResultsDisplay(ctx);
+            }
+            args.filterSet = reshow ? -1 : 0;
+            args.fadeIn = 1;
+            DisplayChart(ctx, args);
+        }
+        if (ctx.haveTick > 0)
+            DisplayTick(ctx);
+        if (reshow)
+            ctx.currentSlide = short(tlxVal(ctx.arg2));
+        GraphtoSlide(ctx, -1);
+        if (!reshow)
+            FullShutDown(ctx);
+    });
 }
 
 } // namespace tallix

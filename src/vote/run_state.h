@@ -78,6 +78,18 @@ struct TextPositionCell {
     double Y = 0;
 };
 
+// A window's rectangle in screen pixels, edges as the window system gives them.
+struct WindowRect {
+    int Left = 0;
+    int Top = 0;
+    int Right = 0;
+    int Bottom = 0;
+    int width() const { return Right - Left; }
+    int height() const { return Bottom - Top; }
+    bool isZero() const { return Left == 0 && Top == 0 && Right == 0 && Bottom == 0; }
+    bool operator==(const WindowRect&) const = default;
+};
+
 struct Participant {
     QString name;
     qint32 number = 0;
@@ -103,6 +115,9 @@ struct RunState {
     std::unique_ptr<SettingsDocument> settingsDoc;
     qint32 PowerPoint_hWnd = 0;
     qint32 PowerPointSlideShow_hwnd = 0;
+    // Window placing: the edit window and the show's picture, refreshed by RecordPPTHandles.
+    WindowRect PowerPointRECT;
+    WindowRect PowerPointSlideShowRECT;
     short currentSlide = 0;
     QString addInPath;
     QString localDecimal;
@@ -254,6 +269,7 @@ struct RunState {
     QString processTimeLog;
     double processTimeFirst = 0;
     double processTimeLast = 0;
+    bool notVotedShown = false;     // the not-voted list opens by itself once a vote
 
     // What the controller reported of its bases
     qint32 maxKeypads = 0;

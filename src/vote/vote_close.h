@@ -8,6 +8,8 @@ struct RunContext;
 
 void closeVote(RunContext& ctx);
 void execRevote(RunContext& ctx, short slideBefore, short slideAfter);
+// The same vote again in this process: windows anew, settings re-read, execVote.
+void RunRevote(RunContext& ctx);
 void FullShutDown(RunContext& ctx);
 
 } // namespace tallix
