@@ -1,6 +1,7 @@
 #include "graph_runners.h"
 
 #include "charts/chart_procedures.h"
+#include "chartwindow/after_result.h"
 #include "charts/collation.h"
 #include "controller/comms.h"
 #include "foundation/clock.h"
@@ -231,13 +232,20 @@ void EndNormalVote(RunContext& ctx)
             args.fadeIn = 1;
             DisplayChart(ctx, args);
         }
+        // A chart that does not grow is built unseen; a growing one fades itself in.
+        if (ctx.GraphPlotting == 0 && ctx.FrmTChart)
+            ctx.FrmTChart->ShowMe();
         if (ctx.haveTick > 0)
             DisplayTick(ctx);
         if (reshow)
             ctx.currentSlide = short(tlxVal(ctx.arg2));
         GraphtoSlide(ctx, -1);
-        if (!reshow)
+        if (!reshow) {
+            // No show displays the picture here, so the result window is what the
+            // audience sees: it stays up until the presenter moves on.
+            AwaitPresenterAfterResult(ctx);
             FullShutDown(ctx);
+        }
     });
 }
 

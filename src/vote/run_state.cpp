@@ -4,7 +4,11 @@
 
 namespace tallix {
 
-RunState::RunState() = default;
+RunState::RunState()
+{
+    // One colour for each of options 0 to 10; options beyond take these again in turn.
+    optionColours.redim(10);
+}
 RunState::~RunState() = default;
 
 void ResetVoteArrays(RunContext& ctx)

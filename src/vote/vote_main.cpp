@@ -391,6 +391,9 @@ void Main(RunContext& ctx)
         if (!ctx.makeMode && ctx.comms) {
             ctx.comms->VoteLoaded();
             const qint64 t1 = ctx.clock->perfCounter();
+            // Dressing the votes-cast window is its first use, which loads it.
+            if (ctx.forms && !ctx.forms->IsLoaded(FormName::vCast))
+                ctx.forms->Load(FormName::vCast);
             LoadVotesCastBoxes(ctx);
             log(ctx, "Votes Cast Boxes Loaded", since(ctx, t1));
             const qint64 t2 = ctx.clock->perfCounter();

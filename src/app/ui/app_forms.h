@@ -10,6 +10,9 @@
 
 namespace tallix {
 
+class LiveWindowForms;
+struct RunContext;
+
 class AppForms final : public FormManager {
 public:
     struct Hooks {
@@ -17,16 +20,23 @@ public:
         std::function<void()> unload;
     };
 
+    explicit AppForms(RunContext& ctx) : ctx_(ctx) {}
     void Register(const QString& name, Hooks hooks) { hooks_.insert(name, std::move(hooks)); }
+    void SetLiveWindows(LiveWindowForms* live) { live_ = live; }
 
-    bool IsLoaded(const QString& name) const override { return loaded_.contains(name); }
+    bool IsLoaded(const QString& name) const override { return LoadedForms().contains(name); }
     void Load(const QString& name) override;
     void Unload(const QString& name) override;
-    QStringList LoadedForms() const override { return loaded_; }
+    QStringList LoadedForms() const override;
+    KeypadsNotVotedForm* keypadsNotVotedForm() override;
+    void ShowHelp() override;
+    void FadeOutAll() override;
 
 private:
+    RunContext& ctx_;
     QMap<QString, Hooks> hooks_;
     QStringList loaded_;
+    LiveWindowForms* live_ = nullptr;
 };
 
 } // namespace tallix

@@ -189,7 +189,7 @@ int RunVoteProgram(int argc, char** argv)
         ::_exit(code);
     };
 
-    static AppForms forms;
+    static AppForms forms(ctx);
     ctx.forms = &forms;
     static SocketControllerLink link;
     static std::unique_ptr<Comms> comms;
