@@ -9,7 +9,7 @@ SRC        := $(CURDIR)
 export CCACHE_BASEDIR   := $(SRC)
 export CCACHE_NOHASHDIR := 1
 
-.PHONY: all deps configure build test bench clean
+.PHONY: all deps configure build test bench demo clean
 
 all: build
 
@@ -31,6 +31,9 @@ bench: deps
 	cmake -S . -B $(BENCHBUILD) -G $(GENERATOR) -DCMAKE_BUILD_TYPE=Release -DTALLIX_BENCH=ON
 	cmake --build $(BENCHBUILD) -j $(JOBS)
 	$(BENCHBUILD)/bin/tallix-bench-table
+
+demo: build
+	bash scripts/demo.sh
 
 clean:
 	rm -rf $(BUILD) $(BENCHBUILD)

@@ -216,7 +216,8 @@ void EndNormalVote(RunContext& ctx)
             DisplayChart(ctx, args);
         } else if (cvt == "12" || cvt == "99") {
             ctx.vType = 0;
-            args.seriesCount = -1;
+            // A long list of single choices is one series of totals like any other vote.
+            args.seriesCount = 1;
             args.fadeIn = 2;
             DisplayChart(ctx, args);
         } else if (ctx.vType == 2) {
