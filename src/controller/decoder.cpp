@@ -73,6 +73,9 @@ private:
     QStringList lines_;
     QString seenExclusive_;   // kept for the whole message, across keypads
     bool pauseRequested_ = false;
+    // The records of one message arrived together: one reading of the clock serves them
+    // all, and spares a local-time lookup per keypad in a burst.
+    float passTime_ = 0;
 };
 
 void Decoder::run(const QString& message)
@@ -98,6 +101,7 @@ void Decoder::run(const QString& message)
     }
 
     const Path path = pathFor(ctx_.controllerVoteType);
+    passTime_ = float(ctx_.clock->secondsSinceMidnight() - comms_.voteStartTimer);
     int li = 0;
     for (; li < lines_.size(); ++li) {
         ctx_.pump->DoEvents();
@@ -276,7 +280,7 @@ bool Decoder::singleRecord(const QString& record)
         ctx_.votes(k) = "Keypad " + QString::number(keypad) + " ";
     else
         ctx_.votes(k) = value;
-    ctx_.voteTimes(k) = float(ctx_.clock->secondsSinceMidnight() - comms_.voteStartTimer);
+    ctx_.voteTimes(k) = passTime_;
 
     if (ctx_.vType == 2) {
         QString v = value == "X" ? QStringLiteral("-2") : value;
