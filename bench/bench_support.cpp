@@ -238,7 +238,9 @@ ChildRun RunChild(const QString& program, const QStringList& args, const QString
             break;
         }
     }
-    // Whatever the child wrote just before it ended.
+    // Whatever the child wrote just before it ended; a process it left behind may hold
+    // the pipe open, so this must not wait.
+    ::fcntl(pipeFds[0], F_SETFL, ::fcntl(pipeFds[0], F_GETFL) | O_NONBLOCK);
     char buf[4096];
     for (ssize_t n; (n = ::read(pipeFds[0], buf, sizeof buf)) > 0;)
         r.output.append(buf, n);
