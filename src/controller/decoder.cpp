@@ -84,8 +84,10 @@ void Decoder::run(const QString& message)
     text.remove('[');
     lines_ = text.split("\r\n");
     bool holdsVotes = false;
+    // A line's leading number ends at its first ';' at the latest, so only the text
+    // before it is read: a burst's one line is long.
     for (const QString& line : lines_)
-        if (line.contains(';') && tlxVal(line) > 0) {
+        if (const qsizetype semi = line.indexOf(';'); semi >= 0 && tlxVal(line.left(semi)) > 0) {
             holdsVotes = true;
             break;
         }
