@@ -237,11 +237,13 @@ void Decoder::listRecord(const QString& record)
 
 bool Decoder::singleRecord(const QString& record)
 {
-    const QStringList f = record.split(';');
-    if (f.size() != 2)
+    // Exactly one ';': keypad before it, value after. Found in place rather than split,
+    // as a burst has a record per keypad.
+    const qsizetype semi = record.indexOf(';');
+    if (semi < 0 || record.indexOf(';', semi + 1) >= 0)
         return true;
-    QString value = f[1].trimmed();
-    const int keypad = int(tlxVal(f[0]));
+    QString value = record.mid(semi + 1).trimmed();
+    const int keypad = int(tlxVal(record.left(semi)));
 
     if (ctx_.controllerVoteType == "7" && !CheckTextVoteAgainstBannedList(ctx_, value))
         return true;
