@@ -73,6 +73,9 @@ private:
     QStringList lines_;
     QString seenExclusive_;   // kept for the whole message, across keypads
     bool pauseRequested_ = false;
+    // The records of one message arrived together: one reading of the clock serves them
+    // all, and spares a local-time lookup per keypad in a burst.
+    float passTime_ = 0;
 };
 
 void Decoder::run(const QString& message)
@@ -81,8 +84,10 @@ void Decoder::run(const QString& message)
     text.remove('[');
     lines_ = text.split("\r\n");
     bool holdsVotes = false;
+    // A line's leading number ends at its first ';' at the latest, so only the text
+    // before it is read: a burst's one line is long.
     for (const QString& line : lines_)
-        if (line.contains(';') && tlxVal(line) > 0) {
+        if (const qsizetype semi = line.indexOf(';'); semi >= 0 && tlxVal(line.left(semi)) > 0) {
             holdsVotes = true;
             break;
         }
@@ -98,6 +103,7 @@ void Decoder::run(const QString& message)
     }
 
     const Path path = pathFor(ctx_.controllerVoteType);
+    passTime_ = float(ctx_.clock->secondsSinceMidnight() - comms_.voteStartTimer);
     int li = 0;
     for (; li < lines_.size(); ++li) {
         ctx_.pump->DoEvents();
@@ -231,11 +237,13 @@ void Decoder::listRecord(const QString& record)
 
 bool Decoder::singleRecord(const QString& record)
 {
-    const QStringList f = record.split(';');
-    if (f.size() != 2)
+    // Exactly one ';': keypad before it, value after. Found in place rather than split,
+    // as a burst has a record per keypad.
+    const qsizetype semi = record.indexOf(';');
+    if (semi < 0 || record.indexOf(';', semi + 1) >= 0)
         return true;
-    QString value = f[1].trimmed();
-    const int keypad = int(tlxVal(f[0]));
+    QString value = record.mid(semi + 1).trimmed();
+    const int keypad = int(tlxVal(record.left(semi)));
 
     if (ctx_.controllerVoteType == "7" && !CheckTextVoteAgainstBannedList(ctx_, value))
         return true;
@@ -276,7 +284,7 @@ bool Decoder::singleRecord(const QString& record)
         ctx_.votes(k) = "Keypad " + QString::number(keypad) + " ";
     else
         ctx_.votes(k) = value;
-    ctx_.voteTimes(k) = float(ctx_.clock->secondsSinceMidnight() - comms_.voteStartTimer);
+    ctx_.voteTimes(k) = passTime_;
 
     if (ctx_.vType == 2) {
         QString v = value == "X" ? QStringLiteral("-2") : value;

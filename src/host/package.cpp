@@ -232,9 +232,14 @@ QByteArray Package::toZip() const
             failure = QString::fromUtf8(zip_strerror(archive));
             break;
         }
-        if (!copied)
-            zip_set_file_compression(archive, zip_uint64_t(index),
-                                     storedUncompressed(name) ? ZIP_CM_STORE : ZIP_CM_DEFLATE, 0);
+        zip_int32_t method = storedUncompressed(name) ? ZIP_CM_STORE : ZIP_CM_DEFLATE;
+        // A copied entry keeps its own method: left at the default, libzip deflates
+        // stored pictures again on every commit, only to store them once more.
+        zip_stat_t st;
+        if (copied && zip_stat_index(original, zip_uint64_t(part.sourceIndex), 0, &st) == 0 &&
+            (st.valid & ZIP_STAT_COMP_METHOD))
+            method = zip_int32_t(st.comp_method);
+        zip_set_file_compression(archive, zip_uint64_t(index), method, 0);
         // A fixed date keeps equal decks byte-equal.
         zip_file_set_mtime(archive, zip_uint64_t(index), 315532800 + 12 * 3600, 0);
     }

@@ -36,7 +36,12 @@ INSTANTIATE_TEST_SUITE_P(Texts, TlxValTest,
                                            ValCase{"1.234,5", 1.2345, 1.234}, ValCase{"2.5", 2.5, 2.5},
                                            ValCase{"  42 ", 42, 42}, ValCase{"1e3", 1000, 1000},
                                            ValCase{"2e", 2, 2}, ValCase{"&H1F", 31, 31},
-                                           ValCase{"1e999", 0, 0}, ValCase{"+7", 7, 7}, ValCase{".5", 0.5, 0.5}));
+                                           ValCase{"1e999", 0, 0}, ValCase{"+7", 7, 7}, ValCase{".5", 0.5, 0.5},
+                                           // plain integers, short and just too long for the quick path
+                                           ValCase{"007", 7, 7}, ValCase{"-2", -2, -2}, ValCase{"-", 0, 0},
+                                           ValCase{"123456789", 123456789, 123456789},
+                                           ValCase{"1234567890", 1234567890, 1234567890},
+                                           ValCase{"12a", 12, 12}, ValCase{"-0", 0, 0}));
 
 TEST(NumberFormatFor, GrowsGroupsWithTheWholePartAndAddsDecimals)
 {

@@ -20,6 +20,7 @@
 #include "vote/vote_main.h"
 
 #include <QApplication>
+#include <QEvent>
 #include <QFile>
 #include <QGuiApplication>
 #include <QProcess>
@@ -27,6 +28,7 @@
 #include <QTimer>
 
 #include <cstdio>
+#include <ctime>
 #include <memory>
 #include <unistd.h>
 
@@ -106,6 +108,38 @@ int parseOptions(const QStringList& args, Options& o)
         o.launch = QString();
     return -1;
 }
+
+// TALLIX_BENCH_MARK (any value): the benchmarks time this process from outside and need
+// to know when it reached a point. Each point prints one line on stdout,
+// "TALLIX_BENCH_MARK <name> <CLOCK_MONOTONIC nanoseconds>": "handover" when Main has
+// handed the vote over to the event loop, "key" at the first key the operator presses.
+bool benchMarks()
+{
+    static const bool on = !qEnvironmentVariableIsEmpty("TALLIX_BENCH_MARK");
+    return on;
+}
+
+void benchMark(const char* name)
+{
+    if (!benchMarks())
+        return;
+    timespec ts{};
+    clock_gettime(CLOCK_MONOTONIC, &ts);
+    std::printf("TALLIX_BENCH_MARK %s %lld\n", name, (long long)ts.tv_sec * 1000000000LL + ts.tv_nsec);
+    std::fflush(stdout);
+}
+
+class FirstKeyMark : public QObject {
+public:
+    bool eventFilter(QObject* o, QEvent* e) override
+    {
+        if (e->type() == QEvent::KeyPress) {
+            benchMark("key");
+            QCoreApplication::instance()->removeEventFilter(this);
+        }
+        return QObject::eventFilter(o, e);
+    }
+};
 
 int launchSlide(const QString& launch)
 {
@@ -218,8 +252,12 @@ int RunVoteProgram(int argc, char** argv)
             ctx.instances = instances.get();
     }
 
+    static FirstKeyMark firstKey;
+    if (benchMarks())
+        app.installEventFilter(&firstKey);
     QTimer::singleShot(0, [] {
         Main(ctx);
+        benchMark("handover");
         // With no window left to drive it, the vote cannot go on: end it in order.
         const QStringList open = ctx.forms->LoadedForms();
         if (open.isEmpty() || open == QStringList{FormName::comms})
