@@ -109,6 +109,8 @@ public:
 class RecordingResult final : public ResultForm {
 public:
     void GraphtoSlide(short elements) override { placed.push_back(elements); }
+    // The presenter moves on at once once the picture is on the slide.
+    short PendingKey() const override { return ' '; }
     std::vector<short> placed;
 };
 
