@@ -33,15 +33,13 @@ cat > "$demo/question.xml" <<'XML'
 <tlxfile>
   <vote_info><vType>0</vType><options>4</options><startFrom>1</startFrom><Abstain>False</Abstain></vote_info>
   <graph_info><GraphType>9</GraphType><ShowGraphs>True</ShowGraphs><BarsPerPage>10</BarsPerPage></graph_info>
-  <vArea><Left>0.08</Left><Top>0.3</Top><Width>0.84</Width><Height>0.62</Height></vArea>
 </tlxfile>
 XML
 
 deck="$demo/demo.pptx"
 "$bin/tallix-deck" new "$deck" --slides 2 >/dev/null
 "$bin/tallix-deck" question "$deck" 1 --settings "$demo/question.xml" \
-    --answers "Coffee|Tea|Hot chocolate|Water" --title "What keeps you going through the afternoon?" \
-    --chart-area 77,162,806,335 >/dev/null
+    --answers "Coffee|Tea|Hot chocolate|Water" --title "What keeps you going through the afternoon?" >/dev/null
 
 "$bin/tlxctrl" --log "$demo/controller.log" --idle-exit 120 &
 controller=$!

@@ -183,3 +183,49 @@ TEST_F(StartUp, TopOptionTwelveIsRefusedWithoutScalepadsButElevenRuns)
 }
 
 } // namespace
+
+namespace {
+
+struct DispatchCase {
+    int graphType;
+    int vType;
+    const char* expectation; // "open": the vote stays open on the base; "refused: <text start>"; "nothing"
+};
+
+class Dispatch : public StartUp, public ::testing::WithParamInterface<DispatchCase> {};
+
+TEST_P(Dispatch, PicksTheRunnerByChartFamilyAndMode)
+{
+    const DispatchCase& c = GetParam();
+    slide(2)->GetTags()->Add("tlxVote", QStringLiteral("<tlxfile><vote_info><vType>%1</vType><options>4</options>"
+                                                       "<startFrom>1</startFrom><TimeLeft>1</TimeLeft></vote_info>"
+                                                       "<graph_info><GraphType>%2</GraphType></graph_info></tlxfile>")
+                                             .arg(c.vType)
+                                             .arg(c.graphType));
+    launch("TLXVOTE,2");
+    const QString expectation = QString::fromLatin1(c.expectation);
+    const bool started = forms.link.sent.contains("StartVote");
+    if (expectation == "open") {
+        EXPECT_TRUE(started);
+        EXPECT_EQ(exits, 0) << "the vote goes on by events";
+    } else if (expectation.startsWith("refused: ")) {
+        EXPECT_FALSE(started);
+        ASSERT_FALSE(run.t.dialogs.shown.empty());
+        EXPECT_TRUE(run.t.dialogs.shown.back().text.startsWith(expectation.mid(9)));
+        EXPECT_EQ(exits, 1);
+    } else {
+        EXPECT_FALSE(started);
+        EXPECT_EQ(exits, 0);
+        EXPECT_TRUE(run.t.dialogs.shown.empty());
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, Dispatch,
+    ::testing::Values(DispatchCase{2, 0, "open"}, DispatchCase{13, 0, "open"}, DispatchCase{10, 3, "open"},
+                      // Count-downs run on the votes-cast window's clock: see the live vote and program tests.
+                      DispatchCase{2, 2, "refused: Series votes"}, DispatchCase{8, 0, "refused: Text votes"},
+                      DispatchCase{6, 1, "refused: Text votes"}, DispatchCase{7, 0, "refused: Rating votes"},
+                      DispatchCase{15, 0, "nothing"}));
+
+} // namespace
