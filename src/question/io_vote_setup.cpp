@@ -26,7 +26,12 @@ void SaveXMLtoPPTSlide(RunContext& ctx, SettingsDocument& document, int slideNum
         host::Shapes* notes = s->NotesPage();
         for (int i = 1; i <= notes->Count(); ++i) {
             host::Shape* shape = notes->Item(i);
-            if (!shape->HasTextFrame())
+            // The body placeholder holds the speaker's notes; the number and header
+            // placeholders of a notes page have text frames too and stay as they are.
+            const int type = shape->PlaceholderFormatType();
+            if (!shape->HasTextFrame() ||
+                (type != host::PlaceholderType::Body && type != host::PlaceholderType::Object &&
+                 type != host::PlaceholderType::None))
                 continue;
             // The notes are a courtesy to the presenter: a note that cannot be read is left alone.
             try {

@@ -1,4 +1,5 @@
 #include "deck_tool.h"
+#include "question/settings_document.h"
 
 #include "foundation/host.h"
 #include "host/deck_host.h"
@@ -20,6 +21,16 @@
 
 using namespace tallix;
 using namespace tallix::host;
+
+namespace {
+// The settings document as a slide keeps it: the document's own text, as a vote run writes it.
+QString asStored(const QString& xml)
+{
+    tallix::SettingsDocument d;
+    d.loadXML(xml);
+    return d.xml();
+}
+} // namespace
 
 namespace {
 
@@ -86,7 +97,7 @@ TEST_F(DeckToolTest, QuestionMakesTheAgreedShapesAndTag)
               QRectF(500, 150, 400, 300));
     EXPECT_TRUE(sample["visible"].toBool());
 
-    EXPECT_EQ(json({"tags", deck, "2"}).object().value("TLXVOTE").toString(), kSettings);
+    EXPECT_EQ(json({"tags", deck, "2"}).object().value("TLXVOTE").toString(), asStored(kSettings));
     EXPECT_TRUE(json({"tags", deck, "1"}).object().isEmpty());
 
     // Made twice, the slide still carries one of each and one note.
@@ -126,10 +137,10 @@ TEST_F(DeckToolTest, SettingsNoteIsAppendedOnceToExistingNotes)
     ASSERT_NE(body, nullptr);
     before = body->GetTextFrame()->Text();
     ASSERT_FALSE(before.isEmpty());
-    deck::SaveSettingsToSlide(slide, kSettings);
-    deck::SaveSettingsToSlide(slide, kSettings);
+    deck::SaveSettingsToSlide(host, 1, kSettings);
+    deck::SaveSettingsToSlide(host, 1, kSettings);
     EXPECT_EQ(body->GetTextFrame()->Text(), before + "\rThis slide is a tallix question");
-    EXPECT_EQ(slide.GetTags()->Item("tlxvote"), kSettings);
+    EXPECT_EQ(slide.GetTags()->Item("tlxvote"), asStored(kSettings));
     EXPECT_EQ(slide.GetTags()->Count(), 1);
 }
 

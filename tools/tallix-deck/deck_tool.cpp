@@ -4,7 +4,11 @@
 #include "foundation/safe_write.h"
 #include "foundation/vb_error.h"
 #include "host/pptx_host.h"
+#include "question/io_vote_setup.h"
+#include "question/settings_document.h"
+#include "vote/run_context.h"
 
+#include <QDir>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -179,7 +183,7 @@ int cmdQuestion(const QStringList& argv, QTextStream& out)
         chart = QRectF(v[0], v[1], v[2], v[3]);
     }
 
-    SaveSettingsToSlide(slide, QString::fromUtf8(xmlBytes));
+    SaveSettingsToSlide(host, slide.SlideIndex(), QString::fromUtf8(xmlBytes));
 
     Shapes& shapes = *slide.GetShapes();
     QString title = a.flag("title") ? a.value("title") : settingsText(settings, "Question");
@@ -388,26 +392,17 @@ QStringList VoteTokens(const QString& line)
     return tokens;
 }
 
-void SaveSettingsToSlide(Slide& slide, const QString& xml)
+void SaveSettingsToSlide(Application& app, int slideIndex, const QString& xml)
 {
-    slide.GetTags()->Delete("tlxVote");
-    slide.GetTags()->Add("tlxVote", xml);
-    Shapes& notes = *slide.NotesPage();
-    for (int i = 1; i <= notes.Count(); ++i) {
-        Shape& s = *notes.Item(i);
-        // The body placeholder carries the speaker's notes; the slide-number and
-        // header placeholders of a notes page have text frames too and stay as they are.
-        const int type = s.PlaceholderFormatType();
-        if (!s.HasTextFrame() || (type != PlaceholderType::Body && type != PlaceholderType::Object))
-            continue;
-        QString text;
-        try {
-            text = s.GetTextFrame()->Text();
-        } catch (const VbError&) {
-        }
-        if (!text.contains(kQuestionSentence, Qt::CaseInsensitive))
-            s.GetTextFrame()->SetText(text + "\r\n" + kQuestionSentence);
-    }
+    // The deck tool stores a question the way a vote run does, through the same procedure.
+    SettingsDocument document;
+    if (!document.loadXML(xml))
+        Raise(ErrNo::TypeMismatch, "settings: " + document.parseError().reason);
+    RunContext ctx;
+    ctx.app.folder = QDir::tempPath();
+    ctx.oPPT = &app;
+    ctx.oPres = app.ActivePresentation();
+    SaveXMLtoPPTSlide(ctx, document, slideIndex);
 }
 
 int RunDeckTool(const QStringList& args, QTextStream& out, QTextStream& err)

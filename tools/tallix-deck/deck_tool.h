@@ -7,7 +7,7 @@
 #include <QTextStream>
 
 namespace tallix::host {
-class Slide;
+class Application;
 }
 
 namespace tallix::deck {
@@ -15,8 +15,7 @@ namespace tallix::deck {
 int RunDeckTool(const QStringList& args, QTextStream& out, QTextStream& err);
 
 // Stores a question's settings document in the slide's tag and marks its notes.
-// Mirrors SaveXMLtoPPTSlide of the question code; the program switches to that one.
-void SaveSettingsToSlide(host::Slide& slide, const QString& xml);
+void SaveSettingsToSlide(host::Application& app, int slideIndex, const QString& xml);
 
 // The lines of a saved-votes tag: split at CR LF, CR or LF, trailing breaks dropped.
 QStringList VoteLines(const QString& tagValue);
