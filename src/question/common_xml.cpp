@@ -97,20 +97,41 @@ SettingsDocument& settingsDocOf(RunContext& ctx)
     return *ctx.settingsDoc;
 }
 
+namespace {
+
+// The first element a section selection finds, when it has children; otherwise null,
+// with the store's error string in `error`.
+pugi::xml_node firstSectionWithChildren(RunContext& ctx, const QString& section, const QString& attributeName,
+                                        const QString& attributeValue, QString& error)
+{
+    SettingsDocument& doc = settingsDocOf(ctx);
+    if (!sectionMentioned(doc, section)) {
+        error = kErrNodeDoesNotExist;
+        return {};
+    }
+    const pugi::xpath_node_set found = selectAll(doc.doc(), SectionXPath(section, attributeName, attributeValue));
+    if (found.empty()) {
+        error = kErrNotFound;
+        return {};
+    }
+    const pugi::xml_node element = found.first().node();
+    if (!element.first_child()) {
+        error = kErrNoChildren;
+        return {};
+    }
+    return element;
+}
+
+} // namespace
+
 QString XMLGetNodes(RunContext& ctx, const QString& section, const QString& attributeName,
                     const QString& attributeValue)
 {
     return Guarded(ctx, kModule, "XMLGetNodes", ctx.ShowErrors, QString(), [&]() -> QString {
-        SettingsDocument& doc = settingsDocOf(ctx);
-        if (!sectionMentioned(doc, section))
-            return kErrNodeDoesNotExist;
-        const pugi::xpath_node_set found = selectAll(doc.doc(), SectionXPath(section, attributeName, attributeValue));
-        if (found.empty())
-            return kErrNotFound;
-        const pugi::xml_node element = found.first().node();
-        if (!element.first_child())
-            return kErrNoChildren;
         QString result;
+        const pugi::xml_node element = firstSectionWithChildren(ctx, section, attributeName, attributeValue, result);
+        if (!element)
+            return result;
         for (pugi::xml_node child = element.first_child(); child; child = child.next_sibling()) {
             if (child.type() == pugi::node_comment)
                 continue;
@@ -139,16 +160,10 @@ QString XMLGetString(RunContext& ctx, const QString& section, const QString& att
                      const QString& attributeValue)
 {
     return Guarded(ctx, kModule, "XMLGetString", ctx.ShowErrors, QString(), [&]() -> QString {
-        SettingsDocument& doc = settingsDocOf(ctx);
-        if (!sectionMentioned(doc, section))
-            return kErrNodeDoesNotExist;
-        const pugi::xpath_node_set found = selectAll(doc.doc(), SectionXPath(section, attributeName, attributeValue));
-        if (found.empty())
-            return kErrNotFound;
-        const pugi::xml_node element = found.first().node();
-        if (!element.first_child())
-            return kErrNoChildren;
         QString result;
+        const pugi::xml_node element = firstSectionWithChildren(ctx, section, attributeName, attributeValue, result);
+        if (!element)
+            return result;
         for (pugi::xml_node child = element.first_child(); child; child = child.next_sibling()) {
             if (child.type() == pugi::node_comment)
                 continue;

@@ -25,9 +25,9 @@ const NamedKey kNamedKeys[] = {
 
 } // namespace
 
-bool ParseOperatorKey(const QString& spec, OperatorAction& action)
+bool ParseOperatorKey(const QString& keyName, OperatorAction& action)
 {
-    QString name = spec;
+    QString name = keyName;
     action.modifiers = Qt::NoModifier;
     for (;;) {
         if (name.startsWith("Ctrl+", Qt::CaseInsensitive) && name.size() > 5) {
