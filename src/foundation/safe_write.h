@@ -5,9 +5,16 @@
 #include <QByteArray>
 #include <QString>
 
+#include <functional>
+
 namespace tallix {
 
 // Returns an empty string on success, else a one-line reason.
 QString SafeWriteFile(const QString& path, const QByteArray& bytes);
+
+// The same for a file that another library writes itself: `writeTo` fills the file at
+// the path it is given (beside the target) and returns "" or a reason; the file is then
+// flushed to disk and renamed over the target. A large file never passes through memory.
+QString SafeWriteFileWith(const QString& path, const std::function<QString(const QString& tempPath)>& writeTo);
 
 } // namespace tallix

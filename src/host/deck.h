@@ -55,6 +55,7 @@ public:
 
     Package& package() { return pkg_; }
     QByteArray toZip() const { return pkg_.toZip(); }
+    QString writeZipFile(const QString& path) const { return pkg_.writeZipFile(path); }
 
     // Slides.
     int slideCount() const { return int(slides_.size()); }

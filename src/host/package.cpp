@@ -190,28 +190,13 @@ Package Package::fromZip(const QByteArray& zip, const PackageLimits& limits)
     return package;
 }
 
-QByteArray Package::toZip() const
+void Package::writeEntries(zip_t* archive, zip_t* original, std::vector<QByteArray>& held, QString& failure) const
 {
-    zip_error_t error;
-    zip_error_init(&error);
-    zip_source_t* sink = zip_source_buffer_create(nullptr, 0, 0, &error);
-    if (!sink)
-        throw PackageError(QStringLiteral("cannot build zip: %1").arg(zipErrorText(&error)));
-    zip_t* archive = zip_open_from_source(sink, ZIP_TRUNCATE, &error);
-    if (!archive) {
-        zip_source_free(sink);
-        throw PackageError(QStringLiteral("cannot build zip: %1").arg(zipErrorText(&error)));
-    }
-    zip_source_keep(sink);
-    zip_t* original = source_ ? openArchive(*source_, nullptr) : nullptr;
-    // libzip reads the buffers at zip_close, so they must outlive the loop.
-    std::vector<QByteArray> held;
     held.reserve(size_t(order_.size()));
     QStringList names = order_;
     // The content types lead, as every writer of these files puts them.
     names.removeAll(kContentTypes);
     names.prepend(kContentTypes);
-    QString failure;
     for (const QString& name : names) {
         const Part& part = *parts_.constFind(name);
         // An entry nobody changed goes across still compressed: a large deck's
@@ -230,7 +215,7 @@ QByteArray Package::toZip() const
             if (src)
                 zip_source_free(src);
             failure = QString::fromUtf8(zip_strerror(archive));
-            break;
+            return;
         }
         zip_int32_t method = storedUncompressed(name) ? ZIP_CM_STORE : ZIP_CM_DEFLATE;
         // A copied entry keeps its own method: left at the default, libzip deflates
@@ -243,6 +228,51 @@ QByteArray Package::toZip() const
         // A fixed date keeps equal decks byte-equal.
         zip_file_set_mtime(archive, zip_uint64_t(index), 315532800 + 12 * 3600, 0);
     }
+}
+
+QString Package::writeZipFile(const QString& path) const
+{
+    int code = 0;
+    zip_t* archive = zip_open(QFile::encodeName(path).constData(), ZIP_CREATE | ZIP_TRUNCATE, &code);
+    if (!archive) {
+        zip_error_t error;
+        zip_error_init_with_code(&error, code);
+        const QString reason = zipErrorText(&error);
+        zip_error_fini(&error);
+        return reason;
+    }
+    zip_t* original = source_ ? openArchive(*source_, nullptr) : nullptr;
+    // libzip reads the buffers at zip_close, so they must outlive the loop.
+    std::vector<QByteArray> held;
+    QString failure;
+    writeEntries(archive, original, held, failure);
+    if (failure.isEmpty() && zip_close(archive) != 0)
+        failure = QString::fromUtf8(zip_strerror(archive));
+    if (!failure.isEmpty())
+        zip_discard(archive);
+    if (original)
+        zip_discard(original);
+    return failure;
+}
+
+QByteArray Package::toZip() const
+{
+    zip_error_t error;
+    zip_error_init(&error);
+    zip_source_t* sink = zip_source_buffer_create(nullptr, 0, 0, &error);
+    if (!sink)
+        throw PackageError(QStringLiteral("cannot build zip: %1").arg(zipErrorText(&error)));
+    zip_t* archive = zip_open_from_source(sink, ZIP_TRUNCATE, &error);
+    if (!archive) {
+        zip_source_free(sink);
+        throw PackageError(QStringLiteral("cannot build zip: %1").arg(zipErrorText(&error)));
+    }
+    zip_source_keep(sink);
+    zip_t* original = source_ ? openArchive(*source_, nullptr) : nullptr;
+    // libzip reads the buffers at zip_close, so they must outlive the loop.
+    std::vector<QByteArray> held;
+    QString failure;
+    writeEntries(archive, original, held, failure);
     auto closeOriginal = [&] {
         if (original)
             zip_discard(original);

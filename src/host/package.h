@@ -11,6 +11,9 @@
 #include <memory>
 #include <pugixml.hpp>
 #include <stdexcept>
+#include <vector>
+
+struct zip;
 
 namespace tallix::host {
 
@@ -78,6 +81,8 @@ public:
     static Package fromZip(const QByteArray& zip, const PackageLimits& limits = {});
     static Package fromFile(const QString& path, const PackageLimits& limits = {});
     QByteArray toZip() const;
+    // Writes the package as a zip file at `path`; "" or the reason it could not.
+    QString writeZipFile(const QString& path) const;
 
     QStringList partNames() const { return order_; }
     bool has(const QString& name) const { return parts_.contains(name); }
@@ -114,6 +119,8 @@ private:
         qint64 size = 0;
         bool loaded = true;      // false: still only in the source zip
     };
+    // Adds every part to an open archive; `held` keeps the buffers libzip reads at close.
+    void writeEntries(zip* archive, zip* original, std::vector<QByteArray>& held, QString& failure) const;
     // The zip as read: unchanged entries are copied from it still compressed.
     std::shared_ptr<const QByteArray> source_;
     QStringList order_;

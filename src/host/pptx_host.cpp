@@ -131,14 +131,9 @@ bool PptxHost::Commit(int waitMs)
     }
     if (!(identityOf(path_) == loaded_) && !reloadAndReplay())
         return false;
-    QByteArray bytes;
-    try {
-        bytes = deck_.toZip();
-    } catch (const PackageError& e) {
-        log(QStringLiteral("Deck not written: %1").arg(e.message()));
-        return false;
-    }
-    const QString failure = SafeWriteFile(path_, bytes);
+    // The zip is written straight into the file beside the deck: a large deck never
+    // passes through memory on its way to the disk.
+    const QString failure = SafeWriteFileWith(path_, [this](const QString& temp) { return deck_.writeZipFile(temp); });
     if (!failure.isEmpty()) {
         log(QStringLiteral("Deck not written: %1").arg(failure));
         return false;
