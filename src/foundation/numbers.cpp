@@ -5,7 +5,10 @@
 #include <QLocale>
 
 #include <cmath>
+#include <algorithm>
+#include <atomic>
 #include <limits>
+#include <memory>
 
 namespace tallix {
 
@@ -119,7 +122,7 @@ double Val(const QString& text)
     return v;
 }
 
-double tlxVal(const QString& text)
+double tlxVal(QStringView text)
 {
     // Keypad numbers, votes and counters are short plain integers, and a burst of votes
     // reads tens of thousands of them: those skip the general reader, to the same value.
@@ -135,7 +138,7 @@ double tlxVal(const QString& text)
         if (plain)
             return negative ? -double(v) : double(v);
     }
-    QString s = text;
+    QString s = text.toString();
     const QString sep = MachineSeparators().decimal;
     // The local separator becomes a point before commas are removed: on a comma-decimal
     // machine "1,5" is 1.5, on a point-decimal one it is 15.
@@ -148,6 +151,64 @@ double tlxVal(const QString& text)
     } catch (const VbError&) {
         return 0; // an overflowing number reads as none, silently
     }
+}
+
+std::optional<qint32> PlainNumber(QStringView text)
+{
+    const qsizetype n = text.size();
+    if (n == 0 || n > 9 || (n > 1 && text[0] == u'0'))
+        return std::nullopt;
+    qint32 v = 0;
+    for (QChar c : text) {
+        if (!isDigit(c))
+            return std::nullopt;
+        v = v * 10 + (c.unicode() - '0');
+    }
+    return v;
+}
+
+namespace {
+
+// The texts of 0..65535 live in blocks that are made on first use and never move or go,
+// so NumberText hands out strings over them that copy and free without touching a
+// reference count, let alone the heap.
+constexpr qint32 kBlockNumbers = 1024;
+constexpr qint32 kSlot = 6; // "65535" and its terminating zero
+constexpr qint32 kBlocks = 64;
+
+const char16_t* numberBlock(qint32 block)
+{
+    static std::atomic<char16_t*> blocks[kBlocks];
+    char16_t* made = blocks[block].load(std::memory_order_acquire);
+    if (made)
+        return made;
+    auto fresh = std::make_unique<char16_t[]>(size_t(kBlockNumbers) * kSlot);
+    for (qint32 i = 0; i < kBlockNumbers; ++i) {
+        const QString text = QString::number(block * kBlockNumbers + i);
+        std::copy(text.utf16(), text.utf16() + text.size(), fresh.get() + size_t(i) * kSlot);
+    }
+    // A thread that lost the race keeps the other's block.
+    if (blocks[block].compare_exchange_strong(made, fresh.get(), std::memory_order_acq_rel))
+        return fresh.release();
+    return made;
+}
+
+} // namespace
+
+QString NumberText(qint32 n)
+{
+    if (n < 0 || n >= kBlockNumbers * kBlocks)
+        return QString::number(n);
+    const char16_t* text = numberBlock(n / kBlockNumbers) + size_t(n % kBlockNumbers) * kSlot;
+    const qsizetype length = n < 10 ? 1 : n < 100 ? 2 : n < 1000 ? 3 : n < 10000 ? 4 : 5;
+    return QString::fromRawData(reinterpret_cast<const QChar*>(text), length);
+}
+
+QString SharedText(QStringView text)
+{
+    if (const std::optional<qint32> n = PlainNumber(text))
+        return NumberText(*n);
+    return text.toString();
 }
 
 QString Get_localDecimal()

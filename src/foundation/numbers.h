@@ -3,6 +3,9 @@
 // "." as the decimal point, whatever the user's regional setting.
 
 #include <QString>
+#include <QStringView>
+
+#include <optional>
 
 namespace tallix {
 
@@ -26,7 +29,17 @@ private:
     NumberSeparators seps_;
 };
 
-double tlxVal(const QString& text);
+double tlxVal(QStringView text);
+inline double tlxVal(const QString& text) { return tlxVal(QStringView(text)); }
+// Keypad numbers and votes are the same few thousand short texts over and over; a burst
+// of votes would otherwise allocate one string per record. NumberText(n) is the decimal
+// text of n >= 0, shared between calls; SharedText is `text` as a string, shared with
+// NumberText's when it is written exactly so.
+QString NumberText(qint32 n);
+QString SharedText(QStringView text);
+// The value of a text written as NumberText writes it: digits only, no leading zero.
+std::optional<qint32> PlainNumber(QStringView text);
+
 QString Get_localDecimal();
 QString Get_localThousand();
 QString NumberFormatFor(double value);

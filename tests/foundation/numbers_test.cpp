@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
+
 using namespace tallix;
 
 namespace {
@@ -85,3 +87,26 @@ TEST(Conversions, UseTheMachineDecimalSeparator)
 }
 
 } // namespace
+
+TEST(SharedNumberTexts, ReadAsTheirOwnTextAndSurviveAChangeToACopy)
+{
+    for (qint32 n : {0, 9, 10, 99, 100, 1023, 1024, 9999, 10000, 65535, 65536, -1, 2000000})
+        EXPECT_EQ(NumberText(n), QString::number(n)) << n;
+
+    QString copy = NumberText(42);
+    copy += u'x';
+    EXPECT_EQ(NumberText(42), "42");
+    // Text from a shared block still ends in a zero for callers that need one.
+    EXPECT_EQ(NumberText(7).utf16()[1], u'\0');
+
+    struct Case {
+        const char* text;
+        std::optional<qint32> plain;
+    } cases[] = {{"0", 0}, {"7", 7}, {"12", 12}, {"65536", 65536}, {"05", {}}, {"-2", {}}, {"X", {}},
+                 {"1 ", {}}, {"", {}}, {"1234567890", {}}};
+    for (const Case& c : cases) {
+        const QString text = QString::fromUtf8(c.text);
+        EXPECT_EQ(PlainNumber(text), c.plain) << c.text;
+        EXPECT_EQ(SharedText(text), text) << c.text;
+    }
+}
