@@ -34,7 +34,8 @@ bool toBool(const QString& v)
 
 bool HandleSettingsBlock(RunContext& ctx, const QString& text)
 {
-    if (!text.toUpper().contains("BASETYPE"))
+    // A block is lines of key=value; vote data holds no '=' and can be long.
+    if (!text.contains(u'=') || !text.toUpper().contains("BASETYPE"))
         return false;
     bool sawOffsets = false;
     int row = 0;
@@ -80,7 +81,6 @@ bool HandleSettingsBlock(RunContext& ctx, const QString& text)
                 sawOffsets = true;
                 row = 0;
             }
-            const QString wrapped = "," + ctx.activeKeypads.join(',') + ",";
             ctx.respondedKeypads.clear();
             if (f.size() < 5)
                 Raise(ErrNo::SubscriptOutOfRange, QStringLiteral("Subscript out of range"));
@@ -93,12 +93,12 @@ bool HandleSettingsBlock(RunContext& ctx, const QString& text)
                 continue;
             const qint32 low = toLong(f[2]) + offset;
             const qint32 high = toLong(f[3]) + offset;
+            const std::vector<bool> active = ActiveKeypadFlags(ctx.activeKeypads, high);
             QString& all = ctx.allKeypadsText;
             all.reserve(all.size() + std::max(0, high - low + 1) * 6);
             for (qint32 k = low; k <= high; ++k) {
-                const QString number = QString::number(k);
-                all += number + ",";
-                if (wrapped.contains("," + number + ",")) {
+                all += NumberText(k) + u',';
+                if (k >= 0 && size_t(k) < active.size() && active[size_t(k)]) {
                     ctx.keypadRows.redimPreserve(row);
                     ctx.keypadRows(row) = QString::number(k - offset) + "," + QString::number(offset) + "," +
                                           QString::number(base);

@@ -9,6 +9,8 @@
 #include "foundation/numbers.h"
 #include "vote/run_context.h"
 
+#include <optional>
+
 #include <QFile>
 #include <QJsonObject>
 
@@ -63,6 +65,18 @@ void ReadActiveKeypads(RunContext& ctx)
             list << item;
     ctx.activeKeypads = list.isEmpty() ? QStringList{QString()} : list;
     WriteDebugLog(ctx, float(CounterSeconds(ctx, t0, ctx.clock->perfCounter())), "", kModule, "ReadActiveKeypads");
+}
+
+std::vector<bool> ActiveKeypadFlags(const QStringList& activeKeypads, qint32 highest)
+{
+    std::vector<bool> flags;
+    for (const QString& entry : activeKeypads)
+        if (const std::optional<qint32> n = PlainNumber(entry); n && *n <= highest) {
+            if (size_t(*n) >= flags.size())
+                flags.resize(size_t(*n) + 1);
+            flags[size_t(*n)] = true;
+        }
+    return flags;
 }
 
 void WriteActiveKeypads(RunContext& ctx, short& allKeypads)

@@ -3,6 +3,9 @@
 // presentation tags.
 
 #include <QString>
+#include <QStringList>
+
+#include <vector>
 
 namespace tallix {
 
@@ -11,6 +14,9 @@ struct RunContext;
 // The presentation's `ActiveKeypads` tag as it stands.
 QString ActiveKeypadsTag(RunContext& ctx);
 void ReadActiveKeypads(RunContext& ctx);
+// Which keypads, up to `highest`, the active list names: an entry names a keypad when it
+// reads as its number exactly. Indexed by keypad number; empty when no entry names one.
+std::vector<bool> ActiveKeypadFlags(const QStringList& activeKeypads, qint32 highest);
 void WriteActiveKeypads(RunContext& ctx, short& allKeypads);
 short readCurrentSlide(RunContext& ctx);
 void ClearActivity(RunContext& ctx);

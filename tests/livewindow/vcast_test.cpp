@@ -190,6 +190,7 @@ TEST_F(LiveVoteTest, AutoEndByShareOfActiveKeypads)
         {{"1", "2", "3", "4"}, 50, {1, 2}, true},
         {{"1", "2", "3", "4"}, 50, {1, 7, 8, 9}, false},   // outside the list: not counted
         {{QString()}, 100, {}, true},                      // no list: a size of 1, every keypad responded
+        {{"01", " 2", "3", "4"}, 50, {1, 2}, false},       // entries name a keypad only as its number
     };
     ctx.vType = 2;   // the series loop ends the step: nothing closes here
     for (const Case& c : cases) {
