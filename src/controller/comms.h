@@ -57,8 +57,8 @@ public:
     QStringList pausedQueue;
     std::unique_ptr<IntervalTimer> tmrCloseEverything;
 
-    // One more accepted vote record.
-    void bumpVoteCounter();
+    // More accepted vote records.
+    void addToVoteCounter(qint64 records);
 
 private:
     RunContext& ctx_;

@@ -25,6 +25,7 @@ namespace tallix {
 namespace {
 
 const QString kNone = QStringLiteral("-1");
+const QString kAbstain = QStringLiteral("-2");
 
 enum class Path { Rating, List, Single, Unknown };
 
@@ -40,39 +41,90 @@ Path pathFor(const QString& voteType)
 }
 
 // Selections under the multi-select style are rewritten as a "|" list: "1*2*" or "12".
-QString asSelectionList(const QString& record)
+QString asSelectionList(QStringView record)
 {
-    const qsizetype semi = record.indexOf(';');
-    const QString head = record.left(semi + 1);
-    const QString value = record.mid(semi + 1);
-    QString list;
-    if (!value.contains('*')) {
+    const qsizetype semi = record.indexOf(u';');
+    QString list = record.left(semi + 1).toString();
+    const QStringView value = record.mid(semi + 1);
+    if (!value.contains(u'*')) {
         for (QChar c : value)
             list += QString(c) + "|";
     } else {
-        list = QString(value).replace('*', '|');
+        list += value.toString().replace('*', '|');
     }
-    return head + list;
+    return list;
+}
+
+// Records are a few characters long: a plain scan finds a character in them sooner than
+// a library call gets going.
+qsizetype indexOfChar(QStringView text, char16_t c, qsizetype from = 0)
+{
+    for (qsizetype i = from; i < text.size(); ++i)
+        if (text[i] == QChar(c))
+            return i;
+    return -1;
+}
+
+// Where the two-character separator first and second next occurs in `text` from `from`.
+// Found by its first character, which a library search for a short string is slower at.
+qsizetype indexOfPair(QStringView text, char16_t first, char16_t second, qsizetype from)
+{
+    for (qsizetype at; (at = text.indexOf(QChar(first), from)) >= 0; from = at + 1)
+        if (at + 1 < text.size() && text[at + 1] == QChar(second))
+            return at;
+    return -1;
+}
+
+// The pieces of `text` between two-character separators, as split() cuts them, empty
+// ones kept; views into `text`, so a burst's records cost no string each. `fn` returns
+// false to stop.
+template <typename Fn>
+void forEachPiece(QStringView text, char16_t first, char16_t second, Fn&& fn)
+{
+    for (qsizetype from = 0;;) {
+        const qsizetype at = indexOfPair(text, first, second, from);
+        if (at < 0) {
+            fn(text.mid(from));
+            return;
+        }
+        if (!fn(text.mid(from, at - from)))
+            return;
+        from = at + 2;
+    }
 }
 
 class Decoder {
 public:
-    explicit Decoder(RunContext& ctx) : ctx_(ctx), comms_(*ctx.comms) {}
+    explicit Decoder(RunContext& ctx)
+        : ctx_(ctx), comms_(*ctx.comms), textVote_(ctx.controllerVoteType == "7")
+    {
+    }
+    // Accepted records are counted in one step at the end of the pass, whatever ends it.
+    ~Decoder() { flushCounter(); }
 
     void run(const QString& message);
 
 private:
-    void ratingRecord(const QString& record);
-    void listRecord(const QString& record);
+    void ratingRecord(QStringView record);
+    void listRecord(QStringView record);
     // False when the rest of the line is to be dropped.
-    bool singleRecord(const QString& record);
-    void countRecord() { comms_.bumpVoteCounter(); }
+    bool singleRecord(QStringView record);
+    void countRecord() { ++counted_; }
+    void flushCounter()
+    {
+        if (counted_)
+            comms_.addToVoteCounter(counted_);
+        counted_ = 0;
+    }
 
     RunContext& ctx_;
     Comms& comms_;
-    QStringList lines_;
-    QString seenExclusive_;   // kept for the whole message, across keypads
+    const bool textVote_;
+    QString text_;                // the message without its '['; lines_ are views into it
+    QList<QStringView> lines_;
+    QString seenExclusive_;       // kept for the whole message, across keypads
     bool pauseRequested_ = false;
+    qint64 counted_ = 0;
     // The records of one message arrived together: one reading of the clock serves them
     // all, and spares a local-time lookup per keypad in a burst.
     float passTime_ = 0;
@@ -80,14 +132,17 @@ private:
 
 void Decoder::run(const QString& message)
 {
-    QString text = message;
-    text.remove('[');
-    lines_ = text.split("\r\n");
+    text_ = message;
+    text_.remove('[');
+    forEachPiece(QStringView(text_), u'\r', u'\n', [&](QStringView line) {
+        lines_.append(line);
+        return true;
+    });
     bool holdsVotes = false;
     // A line's leading number ends at its first ';' at the latest, so only the text
     // before it is read: a burst's one line is long.
-    for (const QString& line : lines_)
-        if (const qsizetype semi = line.indexOf(';'); semi >= 0 && tlxVal(line.left(semi)) > 0) {
+    for (QStringView line : lines_)
+        if (const qsizetype semi = line.indexOf(u';'); semi >= 0 && tlxVal(line.left(semi)) > 0) {
             holdsVotes = true;
             break;
         }
@@ -104,31 +159,34 @@ void Decoder::run(const QString& message)
 
     const Path path = pathFor(ctx_.controllerVoteType);
     passTime_ = float(ctx_.clock->secondsSinceMidnight() - comms_.voteStartTimer);
-    int li = 0;
+    const bool rewriteSelections = ctx_.Iterations >= 1 && ctx_.PriorMultiVote == 1;
+    qsizetype li = 0;
     for (; li < lines_.size(); ++li) {
         ctx_.pump->DoEvents();
-        const QStringList pieces = lines_[li].split("],");
-        for (QString record : pieces) {
-            if (!record.contains(';'))
-                continue;
-            if (ctx_.Iterations >= 1 && ctx_.PriorMultiVote == 1)
-                record = asSelectionList(record);
+        forEachPiece(lines_[li], u']', u',', [&](QStringView record) {
+            if (indexOfChar(record, u';') < 0)
+                return true;
+            QString rewritten;
+            if (rewriteSelections) {
+                rewritten = asSelectionList(record);
+                record = rewritten;
+            }
             if (path == Path::Unknown) {
                 ctx_.dialogs->MsgBox("Scalepad vote type not definied", MsgBoxStyle::OKOnly, "tallix vote");
-                continue;
+                return true;
             }
             if (path == Path::Rating)
                 ratingRecord(record);
             else if (path == Path::List)
                 listRecord(record);
             else if (!singleRecord(record))
-                break;
-            if (pauseRequested_)
-                break;
-        }
+                return false;
+            return !pauseRequested_;
+        });
         if (pauseRequested_)
             break;
     }
+    flushCounter();
 
     if (pauseRequested_) {
         comms_.livePaused = true;
@@ -137,9 +195,9 @@ void Decoder::run(const QString& message)
             ctx_.vCast->SetCounterLabel("Paused", 18);
         ctx_.liveLineCount = 0;
         // The lines still to come are held, in order, for the resume to replay.
-        for (int rest = li + 1; rest < lines_.size(); ++rest)
+        for (qsizetype rest = li + 1; rest < lines_.size(); ++rest)
             if (!lines_[rest].isEmpty())
-                comms_.pausedQueue.append("[" + lines_[rest] + "],");
+                comms_.pausedQueue.append(u'[' + lines_[rest].toString() + "],");
     }
     RefreshKeypadsNotVoted(ctx_, true);
     if (!comms_.livePaused && ctx_.vType != 1 && ctx_.voteEnded != 1) {
@@ -150,18 +208,18 @@ void Decoder::run(const QString& message)
     }
 }
 
-void Decoder::ratingRecord(const QString& record)
+void Decoder::ratingRecord(QStringView record)
 {
     ctx_.pump->DoEvents();
-    const QStringList f = record.split(';');
+    const QList<QStringView> f = record.split(u';');
     if (f.size() != 2)
         return;
     if (ctx_.GraphType == 7) {
         // One message carries one keypad on this path: the first line names it.
-        const int keypad = int(Val(lines_.value(0)));
-        QStringList values = f[1].split('|');
+        const int keypad = int(Val(lines_.value(0).toString()));
+        QList<QStringView> values = f[1].split(u'|');
         if (ctx_.startFrom == 1)
-            for (QString& v : values)
+            for (QStringView& v : values)
                 if (tlxVal(v) == 0)
                     v = kNone;
         int first = -1;
@@ -184,18 +242,18 @@ void Decoder::ratingRecord(const QString& record)
     const int keypad = int(tlxVal(f[0]));
     if (ctx_.votes(keypad - 1) == kNone)
         ++ctx_.votesCast;
-    ctx_.votes(keypad - 1) = f[1];
+    ctx_.votes(keypad - 1) = SharedText(f[1]);
     ctx_.voteReceived = true;
 }
 
-void Decoder::listRecord(const QString& record)
+void Decoder::listRecord(QStringView record)
 {
     ctx_.pump->DoEvents();
-    const QStringList f = record.split(';');
+    const QList<QStringView> f = record.split(u';');
     if (f.size() != 2 || f[1].isEmpty())
         return;
     const int k = int(tlxVal(f[0])) - 1;
-    const QStringList list = f[1].split('|');
+    const QList<QStringView> list = f[1].split(u'|');
     if (ctx_.votes(k) == kNone)
         ++ctx_.votesCast;
     ctx_.votes(k) = QStringLiteral("1");
@@ -217,7 +275,7 @@ void Decoder::listRecord(const QString& record)
             if (v < ctx_.startFrom || v > top)
                 continue;
             if (ctx_.Exclusive) {
-                const QString mark = "|" + list[i] + "|";
+                const QString mark = u'|' + list[i].toString() + u'|';
                 if (seenExclusive_.contains(mark))
                     continue;
                 seenExclusive_ += mark;
@@ -235,36 +293,40 @@ void Decoder::listRecord(const QString& record)
     ctx_.voteReceived = true;
 }
 
-bool Decoder::singleRecord(const QString& record)
+bool Decoder::singleRecord(QStringView record)
 {
-    // Exactly one ';': keypad before it, value after. Found in place rather than split,
-    // as a burst has a record per keypad.
-    const qsizetype semi = record.indexOf(';');
-    if (semi < 0 || record.indexOf(';', semi + 1) >= 0)
+    // Exactly one ';': keypad before it, value after.
+    const qsizetype semi = indexOfChar(record, u';');
+    if (semi < 0 || indexOfChar(record, u';', semi + 1) >= 0)
         return true;
-    QString value = record.mid(semi + 1).trimmed();
+    QStringView value = record.mid(semi + 1).trimmed();
+    QString drawn; // holds a value the random generator put in place of the one sent
     const int keypad = int(tlxVal(record.left(semi)));
 
-    if (ctx_.controllerVoteType == "7" && !CheckTextVoteAgainstBannedList(ctx_, value))
+    if (textVote_ && !CheckTextVoteAgainstBannedList(ctx_, value.toString()))
         return true;
     const bool withinLimit = ctx_.votesCast <= ctx_.maxKeypads - 1 && ctx_.votesCast <= ctx_.keypadUniverse;
     const bool liveBeyond = ctx_.vType == 4 && !(ctx_.votesCast <= ctx_.maxKeypads - 1 &&
                                                   ctx_.votesCast <= ctx_.keypadUniverse - (ctx_.firstKeypad - 1));
     if (!withinLimit && !liveBeyond && !ctx_.randomFill)
         return true;
-    if (tlxVal(value) == 20 && ctx_.ini.debugAcceptDetectAsVotes)
-        value = RandomValue(ctx_, std::uniform_real_distribution<double>(0.0, 1.0)(ctx_.rnd));
+    double number = tlxVal(value);
+    if (number == 20 && ctx_.ini.debugAcceptDetectAsVotes) {
+        drawn = RandomValue(ctx_, std::uniform_real_distribution<double>(0.0, 1.0)(ctx_.rnd));
+        value = drawn;
+        number = tlxVal(value);
+    }
+    const bool isX = value == u"X";
     if (ctx_.FixedFree != 1) {
-        const double v = tlxVal(value);
         const double top = ctx_.optionCount - (1 - ctx_.startFrom);
-        const bool outOfRange = v < ctx_.startFrom || v > top;
-        const bool abstain = (value == "X" || value == "-2" || value == "0") && ctx_.allowAbstain;
+        const bool outOfRange = number < ctx_.startFrom || number > top;
+        const bool abstain = (isX || value == u"-2" || value == u"0") && ctx_.allowAbstain;
         if (outOfRange && !abstain)
             return true;
     }
     if (value.isEmpty())
         return true;
-    if (keypad - 1 > ctx_.votes.ubound() || value == "*")
+    if (keypad - 1 > ctx_.votes.ubound() || value == u"*")
         return true;
     const int k = keypad - 1;
     if (ctx_.votesCast >= ctx_.maxKeypads && ctx_.vType == 4 && ctx_.votes(k) == kNone)
@@ -276,22 +338,22 @@ bool Decoder::singleRecord(const QString& record)
     const bool hadVote = ctx_.votes(k) != kNone;
     if (!hadVote)
         ++ctx_.votesCast;
-    if (value == "X" || tlxVal(value) == -2)
-        ctx_.votes(k) = QStringLiteral("-2");
+    if (isX || number == -2)
+        ctx_.votes(k) = kAbstain;
     else if (ctx_.JoltMultiVote && ctx_.Joltdisplay == 0 && hadVote)
-        ctx_.votes(k) = ctx_.votes(k) + "|" + value;
+        ctx_.votes(k) = ctx_.votes(k) + u'|' + value.toString();
     else if (ctx_.FractionalJoltTEXT == 2)
         ctx_.votes(k) = "Keypad " + QString::number(keypad) + " ";
     else
-        ctx_.votes(k) = value;
+        ctx_.votes(k) = SharedText(value);
     ctx_.voteTimes(k) = passTime_;
 
     if (ctx_.vType == 2) {
-        QString v = value == "X" ? QStringLiteral("-2") : value;
+        const double selection = isX ? -2.0 : number;
         bool takenBack = false;
-        if (tlxVal(v) != -2 && ctx_.Exclusive && ctx_.currentIteration > 0) {
+        if (selection != -2 && ctx_.Exclusive && ctx_.currentIteration > 0) {
             for (int it = 0; it < ctx_.currentIteration; ++it)
-                if (ctx_.seriesVotes(it, k) == float(tlxVal(v))) {
+                if (ctx_.seriesVotes(it, k) == float(selection)) {
                     // An exclusive series takes back a repeat of an earlier selection.
                     takenBack = true;
                     --ctx_.votesCast;
@@ -300,18 +362,18 @@ bool Decoder::singleRecord(const QString& record)
                 }
         }
         if (!takenBack)
-            ctx_.seriesVotes(ctx_.currentIteration, k) = float(tlxVal(v));
+            ctx_.seriesVotes(ctx_.currentIteration, k) = float(selection);
     }
     if (ctx_.FixedFree == 1 && ctx_.FractionalJoltTEXT == 1 && ctx_.Joltdisplay == 0 && ctx_.WLSShow)
-        pauseRequested_ = LiveTextDisplay(ctx_, keypad, value);
+        pauseRequested_ = LiveTextDisplay(ctx_, keypad, value.toString());
     return true;
 }
 
 } // namespace
 
-void Comms::bumpVoteCounter()
+void Comms::addToVoteCounter(qint64 records)
 {
-    txt_VoteCounter = QString::number(qint64(tlxVal(txt_VoteCounter)) + 1);
+    txt_VoteCounter = QString::number(qint64(tlxVal(txt_VoteCounter)) + records);
 }
 
 void txt_data_Change(RunContext& ctx)

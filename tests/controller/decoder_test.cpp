@@ -56,6 +56,11 @@ INSTANTIATE_TEST_SUITE_P(
         SingleCase{"two semicolons are ignored", nullptr, {"[1;2;3],\r\n"}, 1, "-1", 0, "0"},
         SingleCase{"a bare number is not vote data", nullptr, {"12\r\n"}, 1, "-1", 0, "0"},
         SingleCase{"value is trimmed", nullptr, {"[2; 3 ],\r\n"}, 2, "3", 1, "1"},
+        SingleCase{"every '[' goes, wherever it stands", nullptr, {"[2;[3],\r\n"}, 2, "3", 1, "1"},
+        SingleCase{"a '[' removed can join a separator", nullptr, {"[1;2][,[2;3],\r\n"}, 1, "2", 2, "2"},
+        SingleCase{"a leading zero stays in the value", fromZero, {"[3;03],\r\n"}, 3, "03", 1, "1"},
+        SingleCase{"records of several lines all count", nullptr, {"[1;1],\r\n[2;2],[3;3],\r\n"}, 3, "3", 3,
+                   "3"},
         SingleCase{"multi answers are kept together",
                    [](RunContext& c) {
                        c.JoltMultiVote = true;
