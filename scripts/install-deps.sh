@@ -8,7 +8,7 @@ packages=(
   build-essential cmake ninja-build pkg-config ccache git
   # libraries
   qt6-base-dev qt6-base-dev-tools qt6-svg-dev qt6-qpa-plugins libgl-dev
-  libpugixml-dev libzip-dev zipcmp libgif-dev
+  libpugixml-dev libzip-dev zlib1g-dev zipcmp libgif-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   # fonts the charts fall back on, and every locale for separator tests
   fonts-dejavu-core locales-all

@@ -7,6 +7,8 @@
 #include <vector>
 #include <zip.h>
 
+#include "zip_writer.h"
+
 namespace tallix::host {
 
 namespace {
@@ -190,117 +192,57 @@ Package Package::fromZip(const QByteArray& zip, const PackageLimits& limits)
     return package;
 }
 
-void Package::writeEntries(zip_t* archive, zip_t* original, std::vector<QByteArray>& held, QString& failure) const
+QString Package::writeZip(const std::function<bool(const char*, qint64)>& output) const
 {
-    held.reserve(size_t(order_.size()));
+    ZipWriter writer(output);
+    const std::vector<StoredEntry> stored = source_ ? ReadStoredEntries(*source_) : std::vector<StoredEntry>{};
     QStringList names = order_;
     // The content types lead, as every writer of these files puts them.
     names.removeAll(kContentTypes);
     names.prepend(kContentTypes);
-    for (const QString& name : names) {
-        const Part& part = *parts_.constFind(name);
-        // An entry nobody changed goes across still compressed: a large deck's
-        // commit then costs little more than a copy.
-        const bool copied = original && part.sourceIndex >= 0 && !part.dirty;
-        zip_source_t* src = nullptr;
-        if (copied) {
-            src = zip_source_zip(archive, original, zip_uint64_t(part.sourceIndex), ZIP_FL_COMPRESSED, 0, -1);
-        } else {
-            held.push_back(bytes(name));
-            src = zip_source_buffer(archive, held.back().constData(), zip_uint64_t(held.back().size()), 0);
+    try {
+        for (const QString& name : names) {
+            const Part& part = *parts_.constFind(name);
+            const QByteArray utf8 = name.toUtf8();
+            // An entry nobody changed goes across as it is stored: a large deck's commit
+            // then costs little more than a copy.
+            const size_t index = size_t(part.sourceIndex);
+            const bool asStored = !part.dirty && part.sourceIndex >= 0 && index < stored.size() &&
+                                  stored[index].copyable && stored[index].name == utf8;
+            const bool ok = asStored ? writer.addStored(utf8, stored[index], *source_)
+                                     : writer.addData(utf8, bytes(name), storedUncompressed(name));
+            if (!ok)
+                break;
         }
-        const QByteArray utf8 = name.toUtf8();
-        const zip_int64_t index = src ? zip_file_add(archive, utf8.constData(), src, ZIP_FL_ENC_UTF_8) : -1;
-        if (index < 0) {
-            if (src)
-                zip_source_free(src);
-            failure = QString::fromUtf8(zip_strerror(archive));
-            return;
-        }
-        zip_int32_t method = storedUncompressed(name) ? ZIP_CM_STORE : ZIP_CM_DEFLATE;
-        // A copied entry keeps its own method: left at the default, libzip deflates
-        // stored pictures again on every commit, only to store them once more.
-        zip_stat_t st;
-        if (copied && zip_stat_index(original, zip_uint64_t(part.sourceIndex), 0, &st) == 0 &&
-            (st.valid & ZIP_STAT_COMP_METHOD))
-            method = zip_int32_t(st.comp_method);
-        zip_set_file_compression(archive, zip_uint64_t(index), method, 0);
-        // A fixed date keeps equal decks byte-equal.
-        zip_file_set_mtime(archive, zip_uint64_t(index), 315532800 + 12 * 3600, 0);
+    } catch (const PackageError& e) {
+        return e.message();
     }
+    return writer.finish();
 }
 
 QString Package::writeZipFile(const QString& path) const
 {
-    int code = 0;
-    zip_t* archive = zip_open(QFile::encodeName(path).constData(), ZIP_CREATE | ZIP_TRUNCATE, &code);
-    if (!archive) {
-        zip_error_t error;
-        zip_error_init_with_code(&error, code);
-        const QString reason = zipErrorText(&error);
-        zip_error_fini(&error);
-        return reason;
-    }
-    zip_t* original = source_ ? openArchive(*source_, nullptr) : nullptr;
-    // libzip reads the buffers at zip_close, so they must outlive the loop.
-    std::vector<QByteArray> held;
-    QString failure;
-    writeEntries(archive, original, held, failure);
-    if (failure.isEmpty() && zip_close(archive) != 0)
-        failure = QString::fromUtf8(zip_strerror(archive));
-    if (!failure.isEmpty())
-        zip_discard(archive);
-    if (original)
-        zip_discard(original);
+    QFile file(path);
+    // Unbuffered: the writer gathers small pieces itself and hands large ones over whole.
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered))
+        return file.errorString();
+    const QString failure = writeZip([&file](const char* data, qint64 size) { return file.write(data, size) == size; });
+    if (!failure.isEmpty() && file.error() != QFileDevice::NoError)
+        return file.errorString();
     return failure;
 }
 
 QByteArray Package::toZip() const
 {
-    zip_error_t error;
-    zip_error_init(&error);
-    zip_source_t* sink = zip_source_buffer_create(nullptr, 0, 0, &error);
-    if (!sink)
-        throw PackageError(QStringLiteral("cannot build zip: %1").arg(zipErrorText(&error)));
-    zip_t* archive = zip_open_from_source(sink, ZIP_TRUNCATE, &error);
-    if (!archive) {
-        zip_source_free(sink);
-        throw PackageError(QStringLiteral("cannot build zip: %1").arg(zipErrorText(&error)));
-    }
-    zip_source_keep(sink);
-    zip_t* original = source_ ? openArchive(*source_, nullptr) : nullptr;
-    // libzip reads the buffers at zip_close, so they must outlive the loop.
-    std::vector<QByteArray> held;
-    QString failure;
-    writeEntries(archive, original, held, failure);
-    auto closeOriginal = [&] {
-        if (original)
-            zip_discard(original);
-    };
-    if (!failure.isEmpty()) {
-        zip_discard(archive);
-        zip_source_free(sink);
-        closeOriginal();
-        throw PackageError(QStringLiteral("cannot build zip: %1").arg(failure));
-    }
-    if (zip_close(archive) != 0) {
-        failure = QString::fromUtf8(zip_strerror(archive));
-        zip_discard(archive);
-        zip_source_free(sink);
-        closeOriginal();
-        throw PackageError(QStringLiteral("cannot build zip: %1").arg(failure));
-    }
-    closeOriginal();
     QByteArray out;
-    zip_stat_t st;
-    if (zip_source_open(sink) == 0) {
-        if (zip_source_stat(sink, &st) == 0) {
-            out.resize(qsizetype(st.size));
-            zip_source_read(sink, out.data(), st.size);
-        }
-        zip_source_close(sink);
-    }
-    zip_source_free(sink);
+    if (source_)
+        out.reserve(source_->size() + (64 << 10));
+    const QString failure = writeZip([&out](const char* data, qint64 size) {
+        out.append(data, qsizetype(size));
+        return true;
+    });
+    if (!failure.isEmpty())
+        throw PackageError(QStringLiteral("cannot build zip: %1").arg(failure));
     return out;
 }
 

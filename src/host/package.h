@@ -8,6 +8,7 @@
 #include <QMap>
 #include <QString>
 #include <QStringList>
+#include <functional>
 #include <memory>
 #include <pugixml.hpp>
 #include <stdexcept>
@@ -119,8 +120,8 @@ private:
         qint64 size = 0;
         bool loaded = true;      // false: still only in the source zip
     };
-    // Adds every part to an open archive; `held` keeps the buffers libzip reads at close.
-    void writeEntries(zip* archive, zip* original, std::vector<QByteArray>& held, QString& failure) const;
+    // The package as a zip, handed to `output` front to back; "" or why it is not whole.
+    QString writeZip(const std::function<bool(const char*, qint64)>& output) const;
     // The zip as read: unchanged entries are copied from it still compressed.
     std::shared_ptr<const QByteArray> source_;
     QStringList order_;
