@@ -7,7 +7,13 @@
 #include <vector>
 #include <zip.h>
 
+#include "zip_source.h"
 #include "zip_writer.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace tallix::host {
 
@@ -23,7 +29,6 @@ struct StringWriter : pugi::xml_writer {
     }
 };
 
-QString zipErrorText(zip_error_t* error) { return QString::fromUtf8(zip_error_strerror(error)); }
 
 // Already-compressed media gain nothing from deflate; storing them keeps a write fast.
 bool storedUncompressed(const QString& name)
@@ -76,33 +81,15 @@ QByteArray XmlBytes(const pugi::xml_document& doc)
 
 Package Package::fromFile(const QString& path, const PackageLimits& limits)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        throw PackageError(QStringLiteral("cannot open %1: %2").arg(path, file.errorString()));
+    std::shared_ptr<const ZipSource> source = ZipSource::openFile(path);
     try {
-        return fromZip(file.readAll(), limits);
+        return fromSource(std::move(source), limits);
     } catch (const PackageError& e) {
         throw PackageError(QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(path), e.message()));
     }
 }
 
 namespace {
-
-zip_t* openArchive(const QByteArray& zip, QString* reason)
-{
-    zip_error_t error;
-    zip_error_init(&error);
-    zip_t* archive = nullptr;
-    if (zip_source_t* source = zip_source_buffer_create(zip.constData(), zip_uint64_t(zip.size()), 0, &error)) {
-        archive = zip_open_from_source(source, ZIP_RDONLY, &error);
-        if (!archive)
-            zip_source_free(source);
-    }
-    if (!archive && reason)
-        *reason = zipErrorText(&error);
-    zip_error_fini(&error);
-    return archive;
-}
 
 // One entry, inflated; reads a byte past the declared size so a lying header is caught.
 QByteArray readEntry(zip_t* archive, zip_uint64_t index, const QString& name, qint64 size)
@@ -142,10 +129,15 @@ bool readEagerly(const QString& name)
 
 Package Package::fromZip(const QByteArray& zip, const PackageLimits& limits)
 {
-    if (!zip.startsWith("PK"))
+    return fromSource(ZipSource::fromBytes(zip), limits);
+}
+
+Package Package::fromSource(std::shared_ptr<const ZipSource> source, const PackageLimits& limits)
+{
+    if (source->read(0, 2) != "PK")
         throw PackageError(QStringLiteral("not a presentation: not a zip file"));
     QString reason;
-    zip_t* archive = openArchive(zip, &reason);
+    zip_t* archive = source->openArchive(&reason);
     if (!archive)
         throw PackageError(QStringLiteral("not a presentation: not a zip file (%1)").arg(reason));
     Package package;
@@ -188,11 +180,90 @@ Package Package::fromZip(const QByteArray& zip, const PackageLimits& limits)
         throw PackageError(failure);
     if (!package.has(kContentTypes))
         throw PackageError(QStringLiteral("not a presentation: the zip has no [Content_Types].xml"));
-    package.source_ = std::make_shared<const QByteArray>(zip);
+    package.source_ = std::move(source);
     return package;
 }
 
-QString Package::writeZip(const std::function<bool(const char*, qint64)>& output) const
+namespace {
+
+// A zip file written through its descriptor: entries copied from a deck file go from
+// file to file inside the kernel.
+class FileOutput : public ZipOutput {
+public:
+    explicit FileOutput(const QString& path)
+        : fd_(::open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666))
+    {
+        if (fd_ < 0)
+            error_ = errno;
+    }
+    ~FileOutput() override { close(); }
+
+    bool write(const char* data, qint64 size) override
+    {
+        while (size > 0) {
+            const ssize_t n = ::write(fd_, data, size_t(size));
+            if (n < 0 && errno == EINTR)
+                continue;
+            if (n <= 0)
+                return fail();
+            data += n;
+            size -= n;
+        }
+        return true;
+    }
+
+    bool copy(const ZipSource& source, qint64 offset, qint64 size) override
+    {
+        loff_t from = offset;
+        while (size > 0 && source.handle() >= 0 && kernelCopy_) {
+            const ssize_t n = ::copy_file_range(source.handle(), &from, fd_, nullptr, size_t(size), 0);
+            if (n < 0 && errno == EINTR)
+                continue;
+            if (n <= 0) {
+                // Not on these file systems, or a source shorter than its directory
+                // says: the plain way copies what it can and finds the end.
+                kernelCopy_ = false;
+                break;
+            }
+            size -= n;
+        }
+        return size == 0 || ZipOutput::copy(source, from, size);
+    }
+
+    void close()
+    {
+        if (fd_ >= 0 && ::close(fd_) != 0 && !error_)
+            error_ = errno;
+        fd_ = -1;
+    }
+    bool opened() const { return fd_ >= 0; }
+    bool hasError() const { return error_ != 0; }
+    QString errorText() const { return QString::fromLocal8Bit(std::strerror(error_)); }
+
+private:
+    bool fail()
+    {
+        error_ = errno ? errno : EIO;
+        return false;
+    }
+    int fd_;
+    int error_ = 0;
+    bool kernelCopy_ = true;
+};
+
+class BytesOutput : public ZipOutput {
+public:
+    QByteArray bytes;
+    bool write(const char* data, qint64 size) override
+    {
+        bytes.append(data, qsizetype(size));
+        return true;
+    }
+};
+
+} // namespace
+
+QString Package::writeZip(ZipOutput& output) const
 {
     ZipWriter writer(output);
     const std::vector<StoredEntry> stored = source_ ? ReadStoredEntries(*source_) : std::vector<StoredEntry>{};
@@ -222,28 +293,24 @@ QString Package::writeZip(const std::function<bool(const char*, qint64)>& output
 
 QString Package::writeZipFile(const QString& path) const
 {
-    QFile file(path);
-    // Unbuffered: the writer gathers small pieces itself and hands large ones over whole.
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered))
-        return file.errorString();
-    const QString failure = writeZip([&file](const char* data, qint64 size) { return file.write(data, size) == size; });
-    if (!failure.isEmpty() && file.error() != QFileDevice::NoError)
-        return file.errorString();
-    return failure;
+    FileOutput file(path);
+    if (!file.opened())
+        return file.errorText();
+    const QString failure = writeZip(file);
+    file.close();
+    // Where the disk refused, it says why better than the writer can.
+    return file.hasError() ? file.errorText() : failure;
 }
 
 QByteArray Package::toZip() const
 {
-    QByteArray out;
+    BytesOutput out;
     if (source_)
-        out.reserve(source_->size() + (64 << 10));
-    const QString failure = writeZip([&out](const char* data, qint64 size) {
-        out.append(data, qsizetype(size));
-        return true;
-    });
+        out.bytes.reserve(source_->size() + (64 << 10));
+    const QString failure = writeZip(out);
     if (!failure.isEmpty())
         throw PackageError(QStringLiteral("cannot build zip: %1").arg(failure));
-    return out;
+    return out.bytes;
 }
 
 QByteArray Package::bytes(const QString& name) const
@@ -254,7 +321,7 @@ QByteArray Package::bytes(const QString& name) const
     if (it->dirty && it->doc)
         return XmlBytes(*it->doc);
     if (!it->loaded && source_) {
-        zip_t* archive = openArchive(*source_, nullptr);
+        zip_t* archive = source_->openArchive(nullptr);
         if (!archive)
             throw PackageError(QStringLiteral("cannot read %1 again").arg(name));
         QByteArray data;

@@ -8,7 +8,6 @@
 #include <QMap>
 #include <QString>
 #include <QStringList>
-#include <functional>
 #include <memory>
 #include <pugixml.hpp>
 #include <stdexcept>
@@ -17,6 +16,9 @@
 struct zip;
 
 namespace tallix::host {
+
+class ZipOutput;
+class ZipSource;
 
 // Malformed input: one clear message, nothing written.
 class PackageError : public std::runtime_error {
@@ -120,10 +122,11 @@ private:
         qint64 size = 0;
         bool loaded = true;      // false: still only in the source zip
     };
+    static Package fromSource(std::shared_ptr<const ZipSource> source, const PackageLimits& limits);
     // The package as a zip, handed to `output` front to back; "" or why it is not whole.
-    QString writeZip(const std::function<bool(const char*, qint64)>& output) const;
+    QString writeZip(ZipOutput& output) const;
     // The zip as read: unchanged entries are copied from it still compressed.
-    std::shared_ptr<const QByteArray> source_;
+    std::shared_ptr<const ZipSource> source_;
     QStringList order_;
     QMap<QString, Part> parts_;
 };

@@ -1,5 +1,7 @@
 #include "zip_writer.h"
 
+#include "zip_source.h"
+
 #include <zlib.h>
 
 #include <algorithm>
@@ -52,36 +54,44 @@ bool isAscii(const QByteArray& name)
 
 } // namespace
 
-std::vector<StoredEntry> ReadStoredEntries(const QByteArray& zip)
+std::vector<StoredEntry> ReadStoredEntries(const ZipSource& zip)
 {
-    const auto* p = reinterpret_cast<const uchar*>(zip.constData());
     const qint64 n = zip.size();
     if (n < kEndSize)
         return {};
     // The end record is the last thing in the file, after a comment of its stated length.
+    const qint64 tailStart = std::max<qint64>(0, n - kEndSize - 0xFFFF);
+    const QByteArray tail = zip.read(tailStart, n - tailStart);
+    if (tail.size() != n - tailStart)
+        return {};
+    const auto* t = reinterpret_cast<const uchar*>(tail.constData());
     qint64 end = -1;
-    for (qint64 at = n - kEndSize; at >= std::max<qint64>(0, n - kEndSize - 0xFFFF); --at)
-        if (u32(p + at) == kEndOfDirectory && at + kEndSize + u16(p + at + 20) == n) {
+    for (qint64 at = tail.size() - kEndSize; at >= 0; --at)
+        if (u32(t + at) == kEndOfDirectory && at + kEndSize + u16(t + at + 20) == tail.size()) {
             end = at;
             break;
         }
-    if (end < 0 || u16(p + end + 4) != 0 || u16(p + end + 6) != 0)
+    if (end < 0 || u16(t + end + 4) != 0 || u16(t + end + 6) != 0)
         return {};
-    const qint64 count = u16(p + end + 10);
-    const qint64 directorySize = u32(p + end + 12);
-    const qint64 directory = u32(p + end + 16);
-    if (count == 0xFFFF || directory + directorySize > end)
+    const qint64 count = u16(t + end + 10);
+    const qint64 directorySize = u32(t + end + 12);
+    const qint64 directory = u32(t + end + 16);
+    if (count == 0xFFFF || directory + directorySize > tailStart + end)
         return {};
+    const QByteArray block = zip.read(directory, directorySize);
+    if (block.size() != directorySize)
+        return {};
+    const auto* p = reinterpret_cast<const uchar*>(block.constData());
 
     std::vector<StoredEntry> entries;
     entries.reserve(size_t(count));
-    qint64 at = directory;
+    qint64 at = 0;
     for (qint64 i = 0; i < count; ++i) {
-        if (at + kCentralHeaderSize > directory + directorySize || u32(p + at) != kCentralHeader)
+        if (at + kCentralHeaderSize > directorySize || u32(p + at) != kCentralHeader)
             return {};
         const qint64 nameLength = u16(p + at + 28);
         const qint64 next = at + kCentralHeaderSize + nameLength + u16(p + at + 30) + u16(p + at + 32);
-        if (next > directory + directorySize)
+        if (next > directorySize)
             return {};
         StoredEntry e;
         e.versionNeeded = u16(p + at + 6);
@@ -90,18 +100,33 @@ std::vector<StoredEntry> ReadStoredEntries(const QByteArray& zip)
         e.crc = u32(p + at + 16);
         e.compressedSize = u32(p + at + 20);
         e.size = u32(p + at + 24);
-        e.name = QByteArray(zip.constData() + at + kCentralHeaderSize, nameLength);
+        e.name = QByteArray(block.constData() + at + kCentralHeaderSize, nameLength);
         const qint64 local = u32(p + at + 42);
         const bool wide = e.compressedSize == 0xFFFFFFFF || e.size == 0xFFFFFFFF || local == 0xFFFFFFFF;
-        if (!wide && !(e.flags & kEncrypted) && local + kLocalHeaderSize <= directory &&
-            u32(p + local) == kLocalHeader) {
-            e.dataOffset = local + kLocalHeaderSize + u16(p + local + 26) + u16(p + local + 28);
-            e.copyable = e.dataOffset + e.compressedSize <= directory;
+        if (!wide && !(e.flags & kEncrypted) && local + kLocalHeaderSize <= directory) {
+            const QByteArray header = zip.read(local, kLocalHeaderSize);
+            const auto* h = reinterpret_cast<const uchar*>(header.constData());
+            if (header.size() == kLocalHeaderSize && u32(h) == kLocalHeader) {
+                e.dataOffset = local + kLocalHeaderSize + u16(h + 26) + u16(h + 28);
+                e.copyable = e.dataOffset + e.compressedSize <= directory;
+            }
         }
         entries.push_back(std::move(e));
         at = next;
     }
     return entries;
+}
+
+bool ZipOutput::copy(const ZipSource& source, qint64 offset, qint64 size)
+{
+    constexpr qint64 kPiece = 1 << 20;
+    for (qint64 done = 0; done < size;) {
+        const QByteArray piece = source.read(offset + done, std::min(kPiece, size - done));
+        if (piece.isEmpty() || !write(piece.constData(), piece.size()))
+            return false;
+        done += piece.size();
+    }
+    return true;
 }
 
 // The fields the local and the central header share, from the version needed to the
@@ -120,11 +145,13 @@ void ZipWriter::putEntryFields(QByteArray& out, const Written& w)
     put16(out, 0);
 }
 
-bool ZipWriter::addStored(const QByteArray& name, const StoredEntry& entry, const QByteArray& zip)
+bool ZipWriter::addStored(const QByteArray& name, const StoredEntry& entry, const ZipSource& zip)
 {
     const Written w{name,       entry.crc, entry.compressedSize, entry.size, entry.method,
                     quint16(entry.flags & kDeflateOptions), entry.versionNeeded, 0};
-    return addEntry(w, zip.constData() + entry.dataOffset);
+    if (const char* bytes = zip.data())
+        return addEntry(w, bytes + entry.dataOffset);
+    return addEntry(w, nullptr, &zip, entry.dataOffset);
 }
 
 bool ZipWriter::addData(const QByteArray& name, const QByteArray& data, bool store)
@@ -159,7 +186,7 @@ bool ZipWriter::addData(const QByteArray& name, const QByteArray& data, bool sto
     return addEntry({name, crc, packed.size(), data.size(), kDeflate, 0, 20, 0}, packed.constData());
 }
 
-bool ZipWriter::addEntry(Written w, const char* data)
+bool ZipWriter::addEntry(Written w, const char* data, const ZipSource* source, qint64 sourceOffset)
 {
     if (!failure_.isEmpty())
         return false;
@@ -175,7 +202,13 @@ bool ZipWriter::addEntry(Written w, const char* data)
     put32(header, kLocalHeader);
     putEntryFields(header, w);
     header.append(w.name);
-    const bool ok = put(header.constData(), header.size()) && put(data, w.compressedSize);
+    bool ok = put(header.constData(), header.size());
+    if (ok && data) {
+        ok = put(data, w.compressedSize);
+    } else if (ok) {
+        ok = flush() && (out_.copy(*source, sourceOffset, w.compressedSize) || failed());
+        offset_ += w.compressedSize;
+    }
     written_.push_back(std::move(w));
     return ok;
 }
@@ -225,11 +258,7 @@ bool ZipWriter::put(const char* data, qint64 size)
     if (size >= kDirectSize) {
         if (!flush())
             return false;
-        if (!out_(data, size)) {
-            failure_ = QStringLiteral("the zip could not be written");
-            return false;
-        }
-        return true;
+        return out_.write(data, size) || failed();
     }
     stage_.append(data, qsizetype(size));
     return stage_.size() < kStageSize || flush();
@@ -239,11 +268,15 @@ bool ZipWriter::flush()
 {
     if (stage_.isEmpty())
         return failure_.isEmpty();
-    const bool ok = out_(stage_.constData(), stage_.size());
+    const bool ok = out_.write(stage_.constData(), stage_.size());
     stage_.resize(0); // keeps its room for what comes next
-    if (!ok)
-        failure_ = QStringLiteral("the zip could not be written");
-    return ok;
+    return ok || failed();
+}
+
+bool ZipWriter::failed()
+{
+    failure_ = QStringLiteral("the zip could not be written");
+    return false;
 }
 
 } // namespace tallix::host

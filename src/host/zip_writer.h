@@ -6,10 +6,11 @@
 #include <QByteArray>
 #include <QString>
 
-#include <functional>
 #include <vector>
 
 namespace tallix::host {
+
+class ZipSource;
 
 // One entry of a zip held in memory, as its central directory gives it.
 struct StoredEntry {
@@ -28,17 +29,24 @@ struct StoredEntry {
 
 // The entries of `zip` in central directory order, the order the zip library numbers
 // them in; empty when the directory is not one this simple reader takes.
-std::vector<StoredEntry> ReadStoredEntries(const QByteArray& zip);
+std::vector<StoredEntry> ReadStoredEntries(const ZipSource& zip);
+
+// Where a zip goes: takes its bytes in order; false when they could not be written.
+class ZipOutput {
+public:
+    virtual ~ZipOutput() = default;
+    virtual bool write(const char* data, qint64 size) = 0;
+    // `size` bytes of `source` from `offset`, read and written in pieces unless the
+    // output knows a shorter way.
+    virtual bool copy(const ZipSource& source, qint64 offset, qint64 size);
+};
 
 class ZipWriter {
 public:
-    // Takes the zip's bytes in order; false when they could not be written.
-    using Output = std::function<bool(const char* data, qint64 size)>;
-
-    explicit ZipWriter(Output out) : out_(std::move(out)) {}
+    explicit ZipWriter(ZipOutput& out) : out_(out) {}
 
     // An entry copied as stored in `zip` (one of ReadStoredEntries'), under `name`.
-    bool addStored(const QByteArray& name, const StoredEntry& entry, const QByteArray& zip);
+    bool addStored(const QByteArray& name, const StoredEntry& entry, const ZipSource& zip);
     // New content, deflated unless `store`.
     bool addData(const QByteArray& name, const QByteArray& data, bool store);
     // Ends the zip with its central directory; "" or why the zip is not whole.
@@ -56,11 +64,13 @@ private:
         qint64 offset;
     };
     static void putEntryFields(QByteArray& out, const Written& w);
-    bool addEntry(Written entry, const char* data);
+    // The entry's local header, then its data: `data`, or `size` bytes of `source`.
+    bool addEntry(Written entry, const char* data, const ZipSource* source = nullptr, qint64 sourceOffset = 0);
     bool put(const char* data, qint64 size);
     bool flush();
+    bool failed();
 
-    Output out_;
+    ZipOutput& out_;
     std::vector<Written> written_;
     QByteArray stage_;   // headers and small entries, gathered into one write
     qint64 offset_ = 0;

@@ -1,4 +1,5 @@
 #include "host/package.h"
+#include "host/zip_source.h"
 #include "host/zip_writer.h"
 #include "support/qt_print.h"
 
@@ -25,17 +26,32 @@ const std::vector<Entry> kEntries = {
     {"ppt/Ünïcode name.xml", "<a>ä</a>", false},
 };
 
+struct Collected : ZipOutput {
+    QByteArray bytes;
+    bool write(const char* data, qint64 size) override
+    {
+        bytes.append(data, qsizetype(size));
+        return true;
+    }
+};
+
+struct Refusing : ZipOutput {
+    int calls = 0;
+    bool write(const char*, qint64) override
+    {
+        ++calls;
+        return false;
+    }
+};
+
 QByteArray writeAll(const std::vector<Entry>& entries)
 {
-    QByteArray out;
-    ZipWriter writer([&out](const char* data, qint64 size) {
-        out.append(data, qsizetype(size));
-        return true;
-    });
+    Collected out;
+    ZipWriter writer(out);
     for (const Entry& e : entries)
         EXPECT_TRUE(writer.addData(e.name, e.data, e.store));
     EXPECT_EQ(writer.finish(), QString());
-    return out;
+    return out.bytes;
 }
 
 // What the zip library reads back: name -> (content, method).
@@ -74,19 +90,17 @@ TEST(ZipWriter, WritesWhatTheZipLibraryReadsAndCopiesStoredEntriesToTheSameBytes
         EXPECT_EQ(read.at(e.name).second, e.store ? ZIP_CM_STORE : ZIP_CM_DEFLATE) << e.name.constData();
     }
 
-    const std::vector<StoredEntry> stored = ReadStoredEntries(first);
+    const auto source = ZipSource::fromBytes(first);
+    const std::vector<StoredEntry> stored = ReadStoredEntries(*source);
     ASSERT_EQ(stored.size(), kEntries.size());
-    QByteArray second;
-    ZipWriter copier([&second](const char* data, qint64 size) {
-        second.append(data, qsizetype(size));
-        return true;
-    });
+    Collected second;
+    ZipWriter copier(second);
     for (const StoredEntry& e : stored) {
         EXPECT_TRUE(e.copyable) << e.name.constData();
-        copier.addStored(e.name, e, first);
+        copier.addStored(e.name, e, *source);
     }
     EXPECT_EQ(copier.finish(), QString());
-    EXPECT_EQ(second, first);
+    EXPECT_EQ(second.bytes, first);
 }
 
 TEST(ZipWriter, ADirectoryItCannotReadSimplyGivesNoEntriesOrEntriesNotToCopy)
@@ -123,7 +137,7 @@ TEST(ZipWriter, ADirectoryItCannotReadSimplyGivesNoEntriesOrEntriesNotToCopy)
          }, qsizetype(kEntries.size()), 0},
     };
     for (const Case& c : cases) {
-        const std::vector<StoredEntry> entries = ReadStoredEntries(c.bytes());
+        const std::vector<StoredEntry> entries = ReadStoredEntries(*ZipSource::fromBytes(c.bytes()));
         ASSERT_EQ(qsizetype(entries.size()), c.entries) << c.name;
         for (size_t i = 0; i < entries.size(); ++i)
             EXPECT_EQ(entries[i].copyable, int(i) != c.notCopyable) << c.name << " " << i;
@@ -132,16 +146,13 @@ TEST(ZipWriter, ADirectoryItCannotReadSimplyGivesNoEntriesOrEntriesNotToCopy)
 
 TEST(ZipWriter, AFailingOutputIsReportedAndNothingMoreIsWritten)
 {
-    int calls = 0;
-    ZipWriter writer([&calls](const char*, qint64) {
-        ++calls;
-        return false;
-    });
+    Refusing out;
+    ZipWriter writer(out);
     // Large enough to go to the output at once.
     EXPECT_FALSE(writer.addData("big.bin", QByteArray(1 << 20, 'x'), true));
     EXPECT_FALSE(writer.addData("next.xml", "<a/>", false));
     EXPECT_EQ(writer.finish(), "the zip could not be written");
-    EXPECT_EQ(calls, 1);
+    EXPECT_EQ(out.calls, 1);
 
     QTemporaryDir dir;
     Package package = Package::fromZip(writeAll(kEntries));
@@ -156,6 +167,33 @@ TEST(ZipWriter, APackageFromAZipItCannotCopyFromIsWrittenAfreshAndWhole)
     ASSERT_EQ(read.size(), kEntries.size());
     for (const Entry& e : kEntries)
         EXPECT_EQ(read.at(e.name).first, e.data) << e.name.constData();
+}
+
+TEST(ZipWriter, ADeckReadFromAFileIsWrittenFromTheFileAsItWasOpened)
+{
+    QTemporaryDir dir;
+    const QString deck = dir.filePath("deck.pptx");
+    const auto writeFile = [](const QString& path, const QByteArray& bytes) {
+        QFile f(path);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write(bytes);
+    };
+    writeFile(deck, writeAll(kEntries));
+    Package package = Package::fromFile(deck);
+    // Another writer renames a new deck over the path: what was read stays readable.
+    writeFile(dir.filePath("other.pptx"), writeAll({{"[Content_Types].xml", "<Other/>", false}}));
+    ASSERT_TRUE(QFile::remove(deck));
+    ASSERT_TRUE(QFile::rename(dir.filePath("other.pptx"), deck));
+
+    const QString copy = dir.filePath("copy.pptx");
+    EXPECT_EQ(package.writeZipFile(copy), QString());
+    QFile f(copy);
+    ASSERT_TRUE(f.open(QIODevice::ReadOnly));
+    const auto read = readWithLibzip(f.readAll());
+    ASSERT_EQ(read.size(), kEntries.size());
+    for (const Entry& e : kEntries)
+        EXPECT_EQ(read.at(e.name).first, e.data) << e.name.constData();
+    EXPECT_EQ(package.bytes("ppt/media/image1.png"), kEntries[1].data);
 }
 
 } // namespace
