@@ -159,7 +159,6 @@ void Decoder::run(const QString& message)
 
     const Path path = pathFor(ctx_.controllerVoteType);
     passTime_ = float(ctx_.clock->secondsSinceMidnight() - comms_.voteStartTimer);
-    const bool rewriteSelections = ctx_.Iterations >= 1 && ctx_.PriorMultiVote == 1;
     qsizetype li = 0;
     for (; li < lines_.size(); ++li) {
         ctx_.pump->DoEvents();
@@ -167,7 +166,7 @@ void Decoder::run(const QString& message)
             if (indexOfChar(record, u';') < 0)
                 return true;
             QString rewritten;
-            if (rewriteSelections) {
+            if (ctx_.Iterations >= 1 && ctx_.PriorMultiVote == 1) {
                 rewritten = asSelectionList(record);
                 record = rewritten;
             }

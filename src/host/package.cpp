@@ -214,6 +214,8 @@ public:
 
     bool copy(const ZipSource& source, qint64 offset, qint64 size) override
     {
+        if (!source.unchanged())
+            return false;
         loff_t from = offset;
         while (size > 0 && source.handle() >= 0 && kernelCopy_) {
             const ssize_t n = ::copy_file_range(source.handle(), &from, fd_, nullptr, size_t(size), 0);
@@ -321,9 +323,10 @@ QByteArray Package::bytes(const QString& name) const
     if (it->dirty && it->doc)
         return XmlBytes(*it->doc);
     if (!it->loaded && source_) {
-        zip_t* archive = source_->openArchive(nullptr);
+        QString reason;
+        zip_t* archive = source_->openArchive(&reason);
         if (!archive)
-            throw PackageError(QStringLiteral("cannot read %1 again").arg(name));
+            throw PackageError(QStringLiteral("cannot read %1 again: %2").arg(name, reason));
         QByteArray data;
         try {
             data = readEntry(archive, zip_uint64_t(it->sourceIndex), name, it->size);

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace tallix::host {
@@ -19,6 +20,7 @@ std::shared_ptr<const ZipSource> ZipSource::openFile(const QString& path)
     std::shared_ptr<ZipSource> source(new ZipSource);
     source->size_ = file->size();
     source->file_ = std::move(file);
+    source->opened_ = source->stamp();
     return source;
 }
 
@@ -30,12 +32,27 @@ std::shared_ptr<const ZipSource> ZipSource::fromBytes(const QByteArray& bytes)
     return source;
 }
 
+ZipSource::Stamp ZipSource::stamp() const
+{
+    struct stat st;
+    if (!file_ || ::fstat(file_->handle(), &st) != 0)
+        return {};
+    return {qint64(st.st_size), qint64(st.st_mtim.tv_sec) * 1000000000 + st.st_mtim.tv_nsec};
+}
+
+bool ZipSource::unchanged() const
+{
+    return !file_ || stamp() == opened_;
+}
+
 QByteArray ZipSource::read(qint64 offset, qint64 size) const
 {
     offset = qBound<qint64>(0, offset, size_);
     size = qBound<qint64>(0, size, size_ - offset);
     if (!file_)
         return bytes_.mid(offset, size);
+    if (!unchanged())
+        return {};
     QByteArray out(size, Qt::Uninitialized);
     qint64 got = 0;
     while (got < size) {
@@ -52,6 +69,11 @@ QByteArray ZipSource::read(qint64 offset, qint64 size) const
 
 zip* ZipSource::openArchive(QString* reason) const
 {
+    if (!unchanged()) {
+        if (reason)
+            *reason = QStringLiteral("the file was written over since it was read");
+        return nullptr;
+    }
     zip_error_t error;
     zip_error_init(&error);
     zip_source_t* source = nullptr;

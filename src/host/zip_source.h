@@ -31,11 +31,23 @@ public:
     // The zip library over this source, read-only; nullptr and `reason` when it refuses.
     zip* openArchive(QString* reason) const;
 
+    // False once the file has been written over in place since it was opened: its
+    // bytes are no longer the ones read, and nothing more is read from it.
+    bool unchanged() const;
+
 private:
     ZipSource() = default;
+    struct Stamp {
+        qint64 size = -1;
+        qint64 mtimeNs = -1; // not the change time: a rename over the path changes that
+        bool operator==(const Stamp&) const = default;
+    };
+    Stamp stamp() const;
+
     QByteArray bytes_;
     std::unique_ptr<QFile> file_;
     qint64 size_ = 0;
+    Stamp opened_;
 };
 
 } // namespace tallix::host

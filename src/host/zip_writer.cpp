@@ -27,7 +27,8 @@ constexpr quint16 kDosTime = 12 << 11;
 constexpr quint16 kDosDate = (0 << 9) | (1 << 5) | 1;
 // Beyond these a zip needs its 64-bit extensions, which this writer does not write.
 constexpr qint64 kMax32 = 0xFFFFFFFE;
-constexpr qint64 kMaxEntries = 0xFFFF;
+constexpr qint64 kMaxEntries = 0xFFFE; // 0xFFFF in the end record means "see the 64-bit one"
+constexpr qint64 kMaxName = 0xFFFF;
 
 constexpr qint64 kStageSize = 1 << 20;
 // Data this large is handed to the output as it is, after what is staged.
@@ -190,6 +191,10 @@ bool ZipWriter::addEntry(Written w, const char* data, const ZipSource* source, q
 {
     if (!failure_.isEmpty())
         return false;
+    if (w.name.size() > kMaxName) {
+        failure_ = QStringLiteral("a part name is too long for a zip: %1...").arg(QString::fromUtf8(w.name.left(60)));
+        return false;
+    }
     if (qint64(written_.size()) >= kMaxEntries || offset_ > kMax32 || w.compressedSize > kMax32 || w.size > kMax32) {
         failure_ = QStringLiteral("the package is too large for a zip without 64-bit extensions");
         return false;

@@ -34,7 +34,7 @@ void RefreshKeypadsNotVoted(RunContext& ctx, bool force)
         const bool noList = active.isEmpty() || (active.size() == 1 && active[0].isEmpty());
         const std::vector<bool> onList = ActiveKeypadFlags(active, ctx.keypadUniverse);
         QStringList responded;
-        responded.reserve(std::max(0, ctx.keypadUniverse - std::max(ctx.firstKeypad - 1, 0)));
+        responded.reserve(std::clamp(ctx.keypadUniverse - std::max(ctx.firstKeypad - 1, 0), 0, ctx.votes.ubound() + 1));
         for (qint32 i = ctx.firstKeypad - 1; i <= ctx.keypadUniverse - 1 && i < ctx.votes.ubound(); ++i) {
             if (i < 0)
                 continue;

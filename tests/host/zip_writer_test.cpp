@@ -24,6 +24,7 @@ const std::vector<Entry> kEntries = {
     {"ppt/media/image1.png", QByteArray("\x89PNG not really", 15), true},
     {"ppt/empty.xml", QByteArray(), false},
     {"ppt/Ünïcode name.xml", "<a>ä</a>", false},
+    {"ppt/media/large.bin", QByteArray("0123456789abcdef").repeated(32 << 10), true}, // handed over whole
 };
 
 struct Collected : ZipOutput {
@@ -194,6 +195,29 @@ TEST(ZipWriter, ADeckReadFromAFileIsWrittenFromTheFileAsItWasOpened)
     for (const Entry& e : kEntries)
         EXPECT_EQ(read.at(e.name).first, e.data) << e.name.constData();
     EXPECT_EQ(package.bytes("ppt/media/image1.png"), kEntries[1].data);
+}
+
+TEST(ZipWriter, ADeckWrittenOverInPlaceIsNotReadAgain)
+{
+    QTemporaryDir dir;
+    const QString deck = dir.filePath("deck.pptx");
+    QFile f(deck);
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    f.write(writeAll(kEntries));
+    f.close();
+    Package package = Package::fromFile(deck);
+    // The same file, rewritten where it lies (as a copy over it does).
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    f.write(writeAll({{"[Content_Types].xml", "<Other/>", false}}));
+    f.close();
+
+    try {
+        package.toZip();
+        ADD_FAILURE() << "the zip was built from a file written over";
+    } catch (const PackageError& e) {
+        EXPECT_TRUE(e.message().contains("written over")) << e.message().toStdString();
+    }
+    EXPECT_NE(package.writeZipFile(dir.filePath("copy.pptx")), QString());
 }
 
 } // namespace
