@@ -1,6 +1,8 @@
 #pragma once
 // The one way every file we replace is written: beside the old one, flushed to disk,
 // then renamed over it, so a crash leaves the old file or the new one, never half of one.
+// The new file keeps the old one's permissions; a temporary file that a killed writer
+// left beside the target goes at the next write.
 
 #include <QByteArray>
 #include <QString>
