@@ -215,7 +215,7 @@ void Decoder::ratingRecord(QStringView record)
         return;
     if (ctx_.GraphType == 7) {
         // One message carries one keypad on this path: the first line names it.
-        const int keypad = int(Val(lines_.value(0).toString()));
+        const int keypad = TruncToLong(Val(lines_.value(0).toString()));
         QList<QStringView> values = f[1].split(u'|');
         if (ctx_.startFrom == 1)
             for (QStringView& v : values)
@@ -233,12 +233,12 @@ void Decoder::ratingRecord(QStringView record)
             ++ctx_.votesCast;
         ctx_.votes(keypad - 1) = QStringLiteral("1");
         for (int i = 0; i < values.size(); ++i)
-            ctx_.ratingVotes(keypad, i) = short(std::nearbyint(tlxVal(values[i])));
+            ctx_.ratingVotes(keypad, i) = RoundToShort(tlxVal(values[i]));
         countRecord();
         ctx_.voteReceived = true;
         return;
     }
-    const int keypad = int(tlxVal(f[0]));
+    const int keypad = TruncToLong(tlxVal(f[0]));
     if (ctx_.votes(keypad - 1) == kNone)
         ++ctx_.votesCast;
     ctx_.votes(keypad - 1) = SharedText(f[1]);
@@ -251,7 +251,7 @@ void Decoder::listRecord(QStringView record)
     const QList<QStringView> f = record.split(u';');
     if (f.size() != 2 || f[1].isEmpty())
         return;
-    const int k = int(tlxVal(f[0])) - 1;
+    const int k = TruncToLong(tlxVal(f[0])) - 1;
     const QList<QStringView> list = f[1].split(u'|');
     if (ctx_.votes(k) == kNone)
         ++ctx_.votesCast;
@@ -300,7 +300,7 @@ bool Decoder::singleRecord(QStringView record)
         return true;
     QStringView value = record.mid(semi + 1).trimmed();
     QString drawn; // holds a value the random generator put in place of the one sent
-    const int keypad = int(tlxVal(record.left(semi)));
+    const int keypad = TruncToLong(tlxVal(record.left(semi)));
 
     if (textVote_ && !CheckTextVoteAgainstBannedList(ctx_, value.toString()))
         return true;

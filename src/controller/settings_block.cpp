@@ -14,12 +14,17 @@ namespace {
 
 short toShort(const QString& v)
 {
-    return short(std::nearbyint(tlxVal(v)));
+    return RoundToShort(tlxVal(v));
 }
 qint32 toLong(const QString& v)
 {
-    return qint32(std::nearbyint(tlxVal(v)));
+    return RoundToLong(tlxVal(v));
 }
+
+// A base's number indexes a table, and a range of keypads is listed keypad by keypad:
+// beyond these a block is not from a base station.
+constexpr qint32 kMaxBase = 255;
+constexpr qint64 kMaxRangeKeypads = 1000000;
 bool toBool(const QString& v)
 {
     const QString t = v.trimmed();
@@ -84,20 +89,24 @@ bool HandleSettingsBlock(RunContext& ctx, const QString& text)
             ctx.respondedKeypads.clear();
             if (f.size() < 5)
                 Raise(ErrNo::SubscriptOutOfRange, QStringLiteral("Subscript out of range"));
-            const int base = int(tlxVal(f[0]));
+            const int base = TruncToLong(tlxVal(f[0]));
+            if (base < 0 || base > kMaxBase)
+                Raise(ErrNo::SubscriptOutOfRange, QStringLiteral("Subscript out of range"));
             const short offset = toShort(f[1]);
             if (base > ctx.baseOffsets.ubound())
                 ctx.baseOffsets.redimPreserve(base);
             ctx.baseOffsets(base) = offset;
             if (f[4] != "False")
                 continue;
-            const qint32 low = toLong(f[2]) + offset;
-            const qint32 high = toLong(f[3]) + offset;
+            const qint32 low = RoundToLong(double(toLong(f[2])) + offset);
+            const qint32 high = RoundToLong(double(toLong(f[3])) + offset);
+            if (qint64(high) - low + 1 > kMaxRangeKeypads)
+                Raise(ErrNo::Overflow, QStringLiteral("Overflow"));
             const std::vector<bool> active = ActiveKeypadFlags(ctx.activeKeypads, high);
             QString& all = ctx.allKeypadsText;
-            all.reserve(all.size() + std::max(0, high - low + 1) * 6);
-            for (qint32 k = low; k <= high; ++k) {
-                all += NumberText(k) + u',';
+            all.reserve(all.size() + std::max<qsizetype>(0, high - low + 1) * 6);
+            for (qint64 k = low; k <= high; ++k) {
+                all += NumberText(qint32(k)) + u',';
                 if (k >= 0 && size_t(k) < active.size() && active[size_t(k)]) {
                     ctx.keypadRows.redimPreserve(row);
                     ctx.keypadRows(row) = QString::number(k - offset) + "," + QString::number(offset) + "," +

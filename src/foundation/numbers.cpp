@@ -278,6 +278,34 @@ int CLng(const QString& text)
     return int(v);
 }
 
+namespace {
+
+template <typename T>
+T checkedWhole(double v)
+{
+    // Written so that NaN fails too.
+    if (!(v >= double(std::numeric_limits<T>::min()) && v <= double(std::numeric_limits<T>::max())))
+        Raise(ErrNo::Overflow, "Overflow");
+    return T(v);
+}
+
+} // namespace
+
+short RoundToShort(double v)
+{
+    return checkedWhole<short>(std::nearbyint(v));
+}
+
+qint32 RoundToLong(double v)
+{
+    return checkedWhole<qint32>(std::nearbyint(v));
+}
+
+qint32 TruncToLong(double v)
+{
+    return checkedWhole<qint32>(std::trunc(v));
+}
+
 float CSng(const QString& text)
 {
     const double v = CDbl(text);

@@ -55,6 +55,12 @@ int CLng(const QString& text);
 float CSng(const QString& text);
 double CDbl(const QString& text);
 bool CBool(const QString& text);
+// A number read from text taken into a whole-number variable: rounded half to even,
+// or cut toward zero as a cast cuts; "Overflow" beyond the type, as the runtime does,
+// rather than a value the machine makes up.
+short RoundToShort(double v);
+qint32 RoundToLong(double v);
+qint32 TruncToLong(double v);
 // CStr of a Boolean: "True" or "False".
 QString CStrBool(bool b);
 

@@ -10,6 +10,7 @@
 #include "vote/run_context.h"
 
 #include <cmath>
+#include <limits>
 #include <functional>
 
 namespace tallix {
@@ -284,6 +285,16 @@ void readGraphOutline(RunContext& ctx)
     });
 }
 
+// The three-digit number in a key or line: an index into a list the document fills.
+// Read as a number, "1e9" would ask for more memory than any chart needs.
+int keyIndex(const QString& digits)
+{
+    const double n = tlxVal(digits);
+    if (!(n >= 0 && n <= 999))
+        Raise(ErrNo::SubscriptOutOfRange, QStringLiteral("Subscript out of range"));
+    return int(n);
+}
+
 // BarColours, BarSpacing and BarDepth: numbered elements whose word is taken out of the
 // whole listing, values included.
 template <class T, class Convert>
@@ -296,11 +307,11 @@ void readNumberedList(RunContext& ctx, const QString& section, const QString& wo
     listing.remove(word, Qt::CaseInsensitive);
     const QStringList lines = listing.split("\r\n");
     if (lines.size() > array.size())
-        array.redimPreserve(std::max(array.ubound(), int(tlxVal(lines.last().left(3)))));
+        array.redimPreserve(std::max(array.ubound(), keyIndex(lines.last().left(3))));
     for (const QString& line : lines) {
         if (line.isEmpty())
             continue;
-        const int index = int(tlxVal(line.left(3)));
+        const int index = keyIndex(line.left(3));
         const qsizetype bar = line.indexOf('|');
         if (bar < 0)
             Raise(ErrNo::SubscriptOutOfRange, QStringLiteral("Subscript out of range"));
@@ -313,7 +324,7 @@ void readChartDimensions(RunContext& ctx)
     readSection(ctx, "ChartDimensions", [&](const QString& k, const QString& v) {
         if (k.size() < 3)
             return;
-        const int n = int(tlxVal(k.right(3)));
+        const int n = keyIndex(k.right(3));
         const QString field = k.left(k.size() - 3);
         if (n > ctx.ChartDimensions.ubound())
             ctx.ChartDimensions.redimPreserve(n);
@@ -424,6 +435,9 @@ void readTextVote(RunContext& ctx)
     readSection(ctx, "text_vote", [&](const QString& k, const QString& v) {
         if (k == "NumberTextVotes") {
             ctx.NumberTextVotes = CInt(v);
+            // As many as the keys' three digits can name, no more.
+            if (ctx.NumberTextVotes > 1000 || ctx.optionCount > 1000)
+                Raise(ErrNo::SubscriptOutOfRange, QStringLiteral("Subscript out of range"));
             ctx.textPosition.redim(ctx.NumberTextVotes - 1, ctx.optionCount - 1);
         } else if (k == "HorizontalSpacing") {
             ctx.HorizontalSpacing = CInt(v);
@@ -439,8 +453,8 @@ void readTextVote(RunContext& ctx)
             ctx.MarkerCharacter = CInt(v);
         } else if (k.startsWith("textPosition") && k.size() >= 19) {
             const QChar letter = k[12];
-            const int item = int(tlxVal(k.mid(13, 3)));
-            const int option = int(tlxVal(k.mid(16, 3)));
+            const int item = keyIndex(k.mid(13, 3));
+            const int option = keyIndex(k.mid(16, 3));
             // The document's counts are only a starting point: a key beyond them raises them.
             int rows = ctx.textPosition.ubound1();
             int cols = ctx.textPosition.ubound2();
@@ -540,7 +554,12 @@ void SetVarsFromXML(RunContext& ctx)
         readNumberedList(ctx, "BarColours", "Bar", ctx.optionColours, [](const QString& v) { return CLng(v); });
         readNumberedList(ctx, "BarSpacing", "Spacing", ctx.BarSpacing, [](const QString& v) { return tlxVal(v); });
         readNumberedList(ctx, "BarDepth", "Depth", ctx.BarDepth,
-                         [](const QString& v) { return short(std::trunc(tlxVal(v))); });
+                         [](const QString& v) {
+                             const qint32 depth = TruncToLong(tlxVal(v));
+                             if (depth < std::numeric_limits<short>::min() || depth > std::numeric_limits<short>::max())
+                                 Raise(ErrNo::Overflow, QStringLiteral("Overflow"));
+                             return short(depth);
+                         });
         readChartDimensions(ctx);
         readFont(ctx);
         logSection(ctx, mark, "<graph_info>");

@@ -271,20 +271,24 @@ void XMLNodeClear(RunContext& ctx, const QString& section, bool removeSection, c
         const pugi::xpath_node_set sections = selectAll(doc.doc(), path);
         if (sections.empty())
             return;
+        // Nodes go last first: a selected node inside another selected one is removed
+        // before the one that holds it, never after it went with it.
+        const auto removeAll = [](pugi::xpath_node_set nodes) {
+            nodes.sort();
+            for (size_t i = nodes.size(); i-- > 0;)
+                nodes[i].node().parent().remove_child(nodes[i].node());
+        };
         if (removeSection) {
-            for (const pugi::xpath_node& s : sections)
-                s.node().parent().remove_child(s.node());
+            removeAll(sections);
             return;
         }
-        const pugi::xml_node first = sections.first().node();
-        for (pugi::xml_node child = first.last_child(); child;) {
-            const pugi::xml_node previous = child.previous_sibling();
-            if (child.type() == pugi::node_element) {
-                for (const pugi::xpath_node& k : selectAll(doc.doc(), path + "/" + U(child.name())))
-                    k.node().parent().remove_child(k.node());
-            }
-            child = previous;
-        }
+        // The names first: removing by one name can take siblings of other children with it.
+        QStringList names;
+        for (const pugi::xml_node child : sections.first().node().children())
+            if (child.type() == pugi::node_element && !names.contains(U(child.name())))
+                names.prepend(U(child.name()));
+        for (const QString& name : names)
+            removeAll(selectAll(doc.doc(), path + "/" + name));
     });
 }
 

@@ -153,8 +153,9 @@ void SplitLaunchString(RunContext& ctx, const QString& commandLine)
     QString* args[] = {&ctx.arg1, &ctx.arg2, &ctx.arg3, &ctx.arg4, &ctx.arg5};
     for (int i = 0; i < pieces.size() && i < 5; ++i)
         *args[i] = pieces[i].trimmed().toUpper();
-    if (tlxVal(ctx.arg2) > 0)
-        ctx.currentSlide = short(tlxVal(ctx.arg2));
+    // A slide number the deck's numbering cannot hold is no slide: the current one is read.
+    if (const double slide = tlxVal(ctx.arg2); slide > 0 && slide < 32768)
+        ctx.currentSlide = short(slide);
     else
         ignoringErrors([&] { readCurrentSlide(ctx); });
 }

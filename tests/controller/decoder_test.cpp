@@ -256,10 +256,20 @@ TEST_F(ControllerTest, OffsetLinesBuildTheKeypadTable)
     EXPECT_EQ(ctx.baseOffsets(2), 0);
 }
 
-TEST_F(ControllerTest, AnOffsetLineShortOfFieldsIsFatal)
+class NoBaseSendsThis : public ControllerTest, public ::testing::WithParamInterface<const char*> {};
+
+// Text no base sends ends the run with an error report: never a hang or a crash.
+TEST_P(NoBaseSendsThis, IsFatal)
 {
-    EXPECT_THROW(feed("BASETYPE=TALLIX\r\nOFFSET=0,100\r\n"), ProcessExit);
+    EXPECT_THROW(feed(GetParam()), ProcessExit);
 }
+
+INSTANTIATE_TEST_SUITE_P(Texts, NoBaseSendsThis,
+                         ::testing::Values("BASETYPE=TALLIX\r\nOFFSET=0,100\r\n",              // short of fields
+                                           "BASETYPE=TALLIX\r\nOFFSET=0,0,1,2147483647,False\r\n", // billions
+                                           "BASETYPE=TALLIX\r\nOFFSET=2147483647,0,1,2,False\r\n", // base
+                                           "BASETYPE=TALLIX\r\nMAXKEYPADS=99999999999\r\n",
+                                           "[99999999999;2],\r\n"));
 
 TEST_F(ControllerTest, AnEmptyActiveListBuildsNoRows)
 {

@@ -138,6 +138,16 @@ TEST_F(CommonXml, NodeClearEmptiesOrRemovesTheSection)
     EXPECT_EQ(xml(), "<tlxfile><t>text only</t></tlxfile>");
 }
 
+TEST_F(CommonXml, NodeClearCopesWithRepeatedChildrenAndNestedSections)
+{
+    load("<tlxfile><s><a>1</a><a>2</a><b>3</b></s></tlxfile>");
+    XMLNodeClear(ctx, "s", false);
+    EXPECT_EQ(XMLGetNodes(ctx, "s"), "Err - no children");
+    load("<tlxfile><s><x>1</x><s><y>1</y></s></s><t/></tlxfile>");
+    XMLNodeClear(ctx, "s", true);
+    EXPECT_EQ(xml(), "<tlxfile><t/></tlxfile>");
+}
+
 TEST_F(CommonXml, CreateSectionNeedsTheRootSpelledExactly)
 {
     load("<tlxfile/>");
