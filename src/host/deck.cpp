@@ -964,7 +964,9 @@ void Deck::dropUnusedImages(const QString& part, const QStringList& rids)
                 if (!rel.external && pkg_.resolve(source, rel.target) == target)
                     used = true;
         }
-        if (!used)
+        // Only a picture goes with its last use: a relationship that points elsewhere
+        // (a broken deck's, at the content types or a part's relationships) takes nothing.
+        if (!used && pkg_.contentType(target).startsWith("image/"))
             pkg_.remove(target);
     }
 }

@@ -275,13 +275,17 @@ QString Package::writeZip(ZipOutput& output) const
     names.prepend(kContentTypes);
     try {
         for (const QString& name : names) {
-            const Part& part = *parts_.constFind(name);
+            const auto found = parts_.constFind(name);
+            if (found == parts_.constEnd())
+                return QStringLiteral("the package has no %1").arg(name);
+            const Part& part = *found;
             const QByteArray utf8 = name.toUtf8();
             // An entry nobody changed goes across as it is stored: a large deck's commit
             // then costs little more than a copy.
             const size_t index = size_t(part.sourceIndex);
             const bool asStored = !part.dirty && part.sourceIndex >= 0 && index < stored.size() &&
-                                  stored[index].copyable && stored[index].name == utf8;
+                                  stored[index].copyable && stored[index].name == utf8 &&
+                                  stored[index].size == part.size;
             const bool ok = asStored ? writer.addStored(utf8, stored[index], *source_)
                                      : writer.addData(utf8, bytes(name), storedUncompressed(name));
             if (!ok)

@@ -77,7 +77,10 @@ std::vector<StoredEntry> ReadStoredEntries(const ZipSource& zip)
     const qint64 count = u16(t + end + 10);
     const qint64 directorySize = u32(t + end + 12);
     const qint64 directory = u32(t + end + 16);
-    if (count == 0xFFFF || directory + directorySize > tailStart + end)
+    // The directory ends where the end record starts, and counts its entries alike on
+    // this disk and in all: anything else (a second directory hidden in a comment) is
+    // left to the zip library, which decides which one holds.
+    if (count == 0xFFFF || u16(t + end + 8) != count || directory + directorySize != tailStart + end)
         return {};
     const QByteArray block = zip.read(directory, directorySize);
     if (block.size() != directorySize)

@@ -125,6 +125,16 @@ TEST(ZipWriter, ADirectoryItCannotReadSimplyGivesNoEntriesOrEntriesNotToCopy)
              b[end + 17] = char(0xFF);
              return b;
          }, 0, -1},
+        {"counts that disagree", [&] {
+             QByteArray b = good;
+             b[end + 8] = char(b[end + 8] + 1);
+             return b;
+         }, 0, -1},
+        {"a gap before the end record", [&] {
+             QByteArray b = good;
+             b[end + 12] = char(b[end + 12] - 1);
+             return b;
+         }, 0, -1},
         {"a broken local header", [&] {
              QByteArray b = good;
              b[firstLocal] = 'X';
