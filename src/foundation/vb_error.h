@@ -45,4 +45,17 @@ struct ProcessExit {
 
 [[noreturn]] void Raise(long number, const QString& description, long line = 0);
 
+// Runs `f`, ignoring any failure of it: for steps that are skipped on purpose when they
+// fail (optional tags, the current slide). The end of the process still passes.
+template <class F>
+void IgnoringErrors(F&& f)
+{
+    try {
+        f();
+    } catch (const ProcessExit&) {
+        throw;
+    } catch (...) {
+    }
+}
+
 } // namespace tallix

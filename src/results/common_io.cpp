@@ -1,6 +1,7 @@
 #include "common_io.h"
 
 #include "controller/comms.h"
+#include "foundation/vb_error.h"
 #include "foundation/clock.h"
 #include "foundation/dialogs.h"
 #include "foundation/error_report.h"
@@ -27,24 +28,13 @@ host::Tags* presentationTags(RunContext& ctx)
     return ctx.oPres->GetTags();
 }
 
-// Errors around optional tags are ignored on purpose: the step is skipped.
-template <class F>
-void ignoringErrors(F&& f)
-{
-    try {
-        f();
-    } catch (const ProcessExit&) {
-        throw;
-    } catch (...) {
-    }
-}
 
 } // namespace
 
 QString ActiveKeypadsTag(RunContext& ctx)
 {
     QString value;
-    ignoringErrors([&] { value = presentationTags(ctx)->Item("ActiveKeypads"); });
+    IgnoringErrors([&] { value = presentationTags(ctx)->Item("ActiveKeypads"); });
     return value;
 }
 
@@ -130,7 +120,7 @@ short readCurrentSlide(RunContext& ctx)
                 slide = ctx.oPPT->SlideShowWindows(1)->GetView()->GetSlide()->SlideIndex();
         }
         ctx.currentSlide = short(slide);
-        ignoringErrors([&] {
+        IgnoringErrors([&] {
             host::View* view = show ? ctx.oPPT->SlideShowWindows(1)->GetView() : ctx.oPPT->ActiveWindow()->GetView();
             if (view->GetSlide()->SlideIndex() != ctx.currentSlide)
                 view->GotoSlide(ctx.currentSlide);
@@ -141,7 +131,7 @@ short readCurrentSlide(RunContext& ctx)
 
 void ClearActivity(RunContext& ctx)
 {
-    ignoringErrors([&] { presentationTags(ctx)->Delete("tlxActivity"); });
+    IgnoringErrors([&] { presentationTags(ctx)->Delete("tlxActivity"); });
 }
 
 void RecordVoteEnd(RunContext& ctx, const QString& reason)
@@ -149,7 +139,7 @@ void RecordVoteEnd(RunContext& ctx, const QString& reason)
     if (ctx.voteEndRecorded)
         return;
     ctx.voteEndRecorded = true;
-    ignoringErrors([&] {
+    IgnoringErrors([&] {
         host::Tags* tags = presentationTags(ctx);
         tags->Delete("tlxVoteTerminated");
         // The reason comes first: ReadVoteEnd returns the first line.
@@ -161,7 +151,7 @@ void RecordVoteEnd(RunContext& ctx, const QString& reason)
 QString ReadVoteEnd(RunContext& ctx)
 {
     QString value;
-    ignoringErrors([&] { value = presentationTags(ctx)->Item("tlxVoteTerminated"); });
+    IgnoringErrors([&] { value = presentationTags(ctx)->Item("tlxVoteTerminated"); });
     if (value.isEmpty())
         return {};
     return value.split("\r\n").first();

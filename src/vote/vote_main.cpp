@@ -2,6 +2,7 @@
 
 #include "charts/chart_colours.h"
 #include "controller/comms.h"
+#include "foundation/vb_error.h"
 #include "foundation/clock.h"
 #include "foundation/dialogs.h"
 #include "foundation/error_report.h"
@@ -41,16 +42,6 @@ float since(RunContext& ctx, qint64 t0)
     return float(CounterSeconds(ctx, t0, ctx.clock->perfCounter()));
 }
 
-template <class F>
-void ignoringErrors(F&& f)
-{
-    try {
-        f();
-    } catch (const ProcessExit&) {
-        throw;
-    } catch (...) {
-    }
-}
 
 bool showRunning(RunContext& ctx)
 {
@@ -103,7 +94,7 @@ void deleteRatingShapes(RunContext& ctx)
 void prepareObjectVote(RunContext& ctx)
 {
     const qint64 t0 = ctx.clock->perfCounter();
-    ignoringErrors([&] {
+    IgnoringErrors([&] {
         host::Slide* slide = SlideAt(ctx, ctx.currentSlide);
         for (int i = 1; i <= ctx.optionCount; ++i) {
             const QString name = QStringLiteral("tlx_object%1").arg(i);
@@ -157,7 +148,7 @@ void SplitLaunchString(RunContext& ctx, const QString& commandLine)
     if (const double slide = tlxVal(ctx.arg2); slide > 0 && slide < 32768)
         ctx.currentSlide = short(slide);
     else
-        ignoringErrors([&] { readCurrentSlide(ctx); });
+        IgnoringErrors([&] { readCurrentSlide(ctx); });
 }
 
 int GetPPAPPActiveWindowIndex(RunContext& ctx)
@@ -186,14 +177,14 @@ void ProcessTimeLog(RunContext& ctx, const QString& label)
 bool SlideHasVotes(RunContext& ctx)
 {
     bool has = false;
-    ignoringErrors([&] { has = !SlideAt(ctx, ctx.currentSlide)->GetTags()->Item("TLXVOTES").isEmpty(); });
+    IgnoringErrors([&] { has = !SlideAt(ctx, ctx.currentSlide)->GetTags()->Item("TLXVOTES").isEmpty(); });
     return has;
 }
 
 void CheckStillOnSlide(RunContext& ctx)
 {
     bool leave = false;
-    ignoringErrors([&] {
+    IgnoringErrors([&] {
         if (ctx.makeMode && !showRunning(ctx))
             return;
         // A presenter who has moved off the question slide stops the run.
@@ -217,7 +208,7 @@ void RemoveObjectsAutomaticallyAddedByPPT(RunContext& ctx, host::Slide* slide)
 {
     if (ctx.slideShapeNames.isEmpty())
         return;
-    ignoringErrors([&] {
+    IgnoringErrors([&] {
         host::Shapes* shapes = slide->GetShapes();
         for (int i = shapes->Count(); i >= 1; --i) {
             host::Shape* shape = shapes->Item(i);
@@ -238,7 +229,7 @@ void TerminateAndRunMacro(RunContext& ctx, const QString& reason)
         for (const QString& form : ctx.forms->LoadedForms())
             ctx.forms->Unload(form);
     RecordVoteEnd(ctx, reason);
-    ignoringErrors([&] { ctx.oPPT->Run(reason); });
+    IgnoringErrors([&] { ctx.oPPT->Run(reason); });
     if (ctx.CommitPresentation)
         ctx.CommitPresentation();
     if (ctx.terminator)
@@ -296,7 +287,7 @@ void Main(RunContext& ctx)
 
         if (ctx.arg2 == "ALL" || ctx.arg5 == "ALL") {
             // The slide being altered must not be the one on screen.
-            ignoringErrors([&] {
+            IgnoringErrors([&] {
                 host::View* view = ctx.oPPT->ActiveWindow()->GetView();
                 if (view->GetSlide()->SlideIndex() == 1 && ctx.oPres->GetSlides()->Count() > 1)
                     view->GotoSlide(2);
@@ -340,7 +331,7 @@ void Main(RunContext& ctx)
 
         closeFormerInstance(ctx);
 
-        ignoringErrors([&] { ctx.oPres->GetTags()->Delete("tlxVoteTerminated"); });
+        IgnoringErrors([&] { ctx.oPres->GetTags()->Delete("tlxVoteTerminated"); });
         if (!ctx.makeMode && ctx.forms && ctx.forms->IsLoaded(FormName::vCast))
             ctx.forms->Unload(FormName::vCast);
 

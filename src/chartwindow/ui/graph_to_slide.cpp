@@ -28,17 +28,6 @@ void Step(RunContext& ctx, F&& f)
     });
 }
 
-template <class F>
-void IgnoringErrors(F&& f)
-{
-    try {
-        f();
-    } catch (const ProcessExit&) {
-        throw;
-    } catch (...) {
-    }
-}
-
 void LogStep(RunContext& ctx, double since, const QString& line)
 {
     WriteDebugLog(ctx, float(ctx.clock->secondsSinceMidnight() - since), line, kModule, kProc);
