@@ -21,7 +21,10 @@ QString countUpCaption(const RunContext& ctx)
 {
     if (ctx.VotesCastLabel == "[BLANK]")
         return {};
-    return ctx.VotesCastLabel.isEmpty() ? QStringLiteral("Votes Cast") : ctx.VotesCastLabel;
+    // "[DEFAULT]" (what the shipped default document holds) asks for the default text.
+    if (ctx.VotesCastLabel.isEmpty() || ctx.VotesCastLabel == "[DEFAULT]")
+        return QStringLiteral("Votes Cast");
+    return ctx.VotesCastLabel;
 }
 
 } // namespace

@@ -2,6 +2,12 @@
 
 #include "foundation/numbers.h"
 #include "livewindow/keypads_not_voted.h"
+#include "question/columns_vote_xml.h"
+#include "question/common_xml.h"
+#include "question/settings_document.h"
+#include "vote/votes_cast_boxes.h"
+
+#include <QFile>
 
 using namespace tallix;
 using tallix::testing::LiveVoteTest;
@@ -253,4 +259,33 @@ TEST_F(LiveVoteTest, WatchOfTheShowBringsItBackAndEndsWhenItCloses)
     ppt.config().showRunning = false;
     EXPECT_THROW(run.t.clock.advanceMs(500), ProcessExit);
     EXPECT_EQ(ReadVoteEnd(ctx), "Vote finished");
+}
+
+TEST_F(LiveVoteTest, CaptionUnderTheCountFollowsTheLabelSetting)
+{
+    struct Case {
+        short vType;
+        const char* label;
+        const char* caption;
+    };
+    const Case cases[] = {{0, "[DEFAULT]", "Votes Cast"}, {0, "", "Votes Cast"},     {0, "[BLANK]", ""},
+                          {0, "Hands up", "Hands up"},    {3, "[DEFAULT]", "Votes Cast"}, {1, "[DEFAULT]", "Time Left"},
+                          {1, "[BLANK]", ""},             {1, "Hands up", "Time Left"}};
+    for (const Case& c : cases) {
+        ctx.vType = c.vType;
+        ctx.VotesCastLabel = c.label;
+        LoadVotesCastBoxes(ctx);
+        EXPECT_EQ(view().caption, QString(c.caption)) << c.vType << " " << c.label;
+    }
+}
+
+TEST_F(LiveVoteTest, AQuestionMadeFromTheShippedDefaultsShowsTheDefaultCaption)
+{
+    QFile f(TALLIX_SOURCE_DIR "/data/Default.xml");
+    ASSERT_TRUE(f.open(QIODevice::ReadOnly));
+    ASSERT_TRUE(settingsDocOf(ctx).loadXML(QString::fromUtf8(f.readAll())));
+    SetVarsFromXML(ctx);
+    ctx.vType = 0;
+    LoadVotesCastBoxes(ctx);
+    EXPECT_EQ(view().caption, "Votes Cast");
 }
