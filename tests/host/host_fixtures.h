@@ -36,6 +36,7 @@ inline QByteArray ReadFile(const QString& path)
     return f.readAll();
 }
 
-inline QString TestDecksDir() { return QStringLiteral(TALLIX_SOURCE_DIR "/../shared/testdecks"); }
+// Real-world decks kept with the tests (see its README for their sources and licences).
+inline QString TestDecksDir() { return QStringLiteral(TALLIX_SOURCE_DIR "/tests/data/decks"); }
 
 } // namespace tallix::host::test

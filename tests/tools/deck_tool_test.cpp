@@ -123,9 +123,8 @@ TEST_F(DeckToolTest, QuestionSlideMatchesGolden)
 
 TEST_F(DeckToolTest, SettingsNoteIsAppendedOnceToExistingNotes)
 {
-    const QString source = QStringLiteral(TALLIX_SOURCE_DIR "/../shared/testdecks/sc__056_slide-notes.pptx");
-    if (!QFile::exists(source))
-        GTEST_SKIP() << "no test decks";
+    const QString source = QStringLiteral(TALLIX_SOURCE_DIR "/tests/data/decks/sc__056_slide-notes.pptx");
+    ASSERT_TRUE(QFile::exists(source)) << source.toStdString();
     MemoryHost host(Deck::fromFile(source), {});
     Slide& slide = *host.ActivePresentation()->GetSlides()->Item(1);
     QString before;
@@ -259,8 +258,10 @@ TEST_F(DeckToolTest, QuestionDeckOpensInLibreOffice)
 {
     const QString soffice = QStandardPaths::findExecutable("soffice");
     const QString pdftotext = QStandardPaths::findExecutable("pdftotext");
-    if (soffice.isEmpty() || pdftotext.isEmpty())
-        GTEST_SKIP() << "LibreOffice or pdftotext not installed";
+    if (soffice.isEmpty())
+        GTEST_SKIP() << "LibreOffice (soffice) is not installed";
+    if (pdftotext.isEmpty())
+        GTEST_SKIP() << "pdftotext (poppler-utils) is not installed";
     makeQuestionDeck();
     QTemporaryDir profile;
     QProcess convert;
