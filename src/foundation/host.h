@@ -100,8 +100,9 @@ struct HostConfig {
     std::function<QRect()> primaryScreenRect;
     QString addInPath; // empty: the program's own folder
     QStringList checkedCommandBarItems;
-    // Runs a macro by name (the program starts the command configured for it).
-    std::function<void(const QString& macro)> runMacro;
+    // Runs a macro by name (the program starts the command configured for it); the
+    // argument is empty when the macro is run without one.
+    std::function<void(const QString& macro, const QString& argument)> runMacro;
     std::function<void(const QString& line)> log;
 };
 
@@ -295,7 +296,7 @@ public:
     // `CommandBars(bar).Controls(...)...State`, the path joined by "|".
     virtual bool CommandBarItemChecked(const QString& path) const = 0;
     // Runs a macro of the add-in by name; never waits for it.
-    virtual void Run(const QString& macro) = 0;
+    virtual void Run(const QString& macro, const QString& argument = QString()) = 0;
 };
 
 } // namespace tallix::host

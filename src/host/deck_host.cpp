@@ -612,11 +612,11 @@ bool DeckHost::CommandBarItemChecked(const QString& path) const
     return config_.checkedCommandBarItems.contains(path, Qt::CaseInsensitive);
 }
 
-void DeckHost::Run(const QString& macro)
+void DeckHost::Run(const QString& macro, const QString& argument)
 {
-    log(QStringLiteral("Run macro %1").arg(macro));
+    log(QStringLiteral("Run macro %1").arg(argument.isEmpty() ? macro : macro + " " + argument));
     if (config_.runMacro)
-        config_.runMacro(macro);
+        config_.runMacro(macro, argument);
 }
 
 int DeckHost::perform(const Op& op, const Clip* clip) { return deck_.apply(op, clip); }

@@ -26,7 +26,7 @@ public:
     DocumentWindow* ActiveWindow() override;
     QString AddInPath(const QString& name) const override;
     bool CommandBarItemChecked(const QString& path) const override;
-    void Run(const QString& macro) override;
+    void Run(const QString& macro, const QString& argument = QString()) override;
 
     Deck& deck() { return deck_; }
     HostConfig& config() { return config_; }

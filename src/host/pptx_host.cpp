@@ -82,10 +82,10 @@ int PptxHost::perform(const Op& op, const Clip* clip)
     return id;
 }
 
-void PptxHost::Run(const QString& macro)
+void PptxHost::Run(const QString& macro, const QString& argument)
 {
     Commit();
-    DeckHost::Run(macro);
+    DeckHost::Run(macro, argument);
 }
 
 bool PptxHost::reloadAndReplay()

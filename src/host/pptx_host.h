@@ -17,7 +17,7 @@ public:
 
     QString FilePath() const override { return path_; }
     void SavePresentation() override { Commit(); }
-    void Run(const QString& macro) override; // commits first: a macro may read the deck
+    void Run(const QString& macro, const QString& argument = QString()) override; // commits first: a macro may read the deck
     int perform(const Op& op, const Clip* clip = nullptr) override;
 
     // Writes the pending changes. False when the lock was not had within the wait or

@@ -276,7 +276,7 @@ void FullShutDown(RunContext& ctx)
                 // The macro may read the deck: it must see this run's changes.
                 if (ctx.CommitPresentation)
                     ctx.CommitPresentation();
-                ctx.oPPT->Run("PreLoadVoteConfig");
+                ctx.oPPT->Run("PreLoadVoteConfig", QString::number(next));
             }
         } catch (const ProcessExit&) {
             throw;

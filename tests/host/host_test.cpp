@@ -254,7 +254,7 @@ TEST_F(MemoryHostTest, ShowStateFollowsGotoAndNext)
 TEST_F(MemoryHostTest, MacrosRunThroughTheConfiguredHook)
 {
     QStringList ran, logged;
-    host.config().runMacro = [&](const QString& m) { ran << m; };
+    host.config().runMacro = [&](const QString& m, const QString&) { ran << m; };
     host.config().log = [&](const QString& l) { logged << l; };
     host.Run("instaGraph");
     EXPECT_EQ(ran, QStringList{"instaGraph"});

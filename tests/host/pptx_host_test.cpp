@@ -233,7 +233,7 @@ TEST_F(PptxHostTest, MacroRunCommitsFirst)
 {
     PptxHost host(deckPath);
     bool written = false;
-    host.config().runMacro = [&](const QString&) { written = Deck::fromFile(deckPath).tag(0, "x") == "1"; };
+    host.config().runMacro = [&](const QString&, const QString&) { written = Deck::fromFile(deckPath).tag(0, "x") == "1"; };
     host.ActivePresentation()->GetTags()->Add("x", "1");
     host.Run("InstaQ");
     EXPECT_TRUE(written);

@@ -173,3 +173,14 @@ TEST_F(LiveVoteTest, RevoteWithABrokenQuestionEndsWithItsReason)
     EXPECT_TRUE(run.t.dialogs.shown.back().text.contains("Error loading vote information"));
     EXPECT_EQ(ReadVoteEnd(ctx), "Unable to load vote info");
 }
+
+TEST_F(LiveVoteTest, ShutdownLetsTheAddInPrepareTheNextSlideEvenPastTheLast)
+{
+    std::vector<std::pair<QString, QString>> ran;
+    ppt.config().runMacro = [&](const QString& m, const QString& a) { ran.emplace_back(m, a); };
+    EXPECT_TRUE(endsProcess([&] { FullShutDown(ctx); }));
+    ppt.SlideShowWindows(1)->GetView()->GotoSlide(3);
+    EXPECT_TRUE(endsProcess([&] { FullShutDown(ctx); }));
+    const std::vector<std::pair<QString, QString>> expected = {{"PreLoadVoteConfig", "3"}, {"PreLoadVoteConfig", "4"}};
+    EXPECT_EQ(ran, expected);
+}

@@ -194,15 +194,16 @@ int RunVoteProgram(int argc, char** argv)
         return s ? s->geometry() : QRect(0, 0, 1920, 1080);
     };
     config.log = [](const QString& line) { WriteDebugLog(ctx, 0, line, "Host", "PresentationHost"); };
-    config.runMacro = [](const QString& macro) {
+    config.runMacro = [](const QString& macro, const QString& argument) {
         // The add-in's macros run as commands configured in tlx.ini, detached, never waited for.
+        // A macro run without an argument is given the vote's slide.
         const QString command = ReadIniSetting(ctx.env, "MACROS", macro, QString(), QString());
         WriteDebugLog(ctx, 0, "Run macro " + macro + (command.isEmpty() ? " (none configured)" : ": " + command),
                       "Host", "Run");
         if (!command.isEmpty()) {
             QStringList parts = QProcess::splitCommand(command);
             const QString program = parts.takeFirst();
-            QProcess::startDetached(program, parts << QString::number(ctx.currentSlide));
+            QProcess::startDetached(program, parts << (argument.isEmpty() ? QString::number(ctx.currentSlide) : argument));
         }
     };
 
