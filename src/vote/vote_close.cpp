@@ -232,6 +232,13 @@ void RunRevote(RunContext& ctx)
     });
 }
 
+void EndProcessAfterFailure(RunContext& ctx)
+{
+    WriteDebugLog(ctx, 0, "Ended after a runtime error", kModule, "EndProcessAfterFailure");
+    if (ctx.terminator)
+        ctx.terminator(1);
+}
+
 void FullShutDown(RunContext& ctx)
 {
     bool chained = false;

@@ -194,7 +194,7 @@ QString KeypadDisplayText(const RunContext& ctx)
 
 void execVote(RunContext& ctx, short& /*restart*/)
 {
-    Guarded(ctx, kModule, "execVote", ctx.ShowErrors, [&] {
+    const bool finished = Guarded(ctx, kModule, "execVote", ctx.ShowErrors, false, [&] {
         WriteDebugLog(ctx, 0, "*** EXECUTE VOTE ROUTINE START ***", kModule, "execVote");
         ctx.votesCast = 0;
         ctx.voteCancelled = (ctx.arg1 == "TLXGROUP" || ctx.arg1 == "TLXRESHOW") ? 1 : 0;
@@ -211,7 +211,7 @@ void execVote(RunContext& ctx, short& /*restart*/)
         }
 
         if (ctx.arg1 == "TLXGROUP" && groupPath(ctx))
-            return;
+            return true;
 
         send(ctx, "options=" + QString::number(ctx.optionCount));
         send(ctx, "StartFrom=" + QString::number(ctx.startFrom));
@@ -245,16 +245,16 @@ void execVote(RunContext& ctx, short& /*restart*/)
         if (ctx.FixedFree == 1 && ctx.FractionalJoltTEXT >= 1) {
             if (!canScalepad) {
                 refuseKeypads(ctx);
-                return;
+                return true;
             }
             StartJolttextVote(ctx);
-            return;
+            return true;
         }
         const int topOption = ctx.optionCount + ctx.startFrom - 1;
         if (topOption >= 12 && ctx.GraphType != 7) {
             if (!canScalepad) {
                 refuseKeypads(ctx);
-                return;
+                return true;
             }
             ctx.controllerVoteType = "99";
             send(ctx, "VoteType=99");
@@ -265,7 +265,7 @@ void execVote(RunContext& ctx, short& /*restart*/)
         if (ctx.FixedFree == 1 && ctx.FractionalJoltTEXT == 0) {
             if (!canScalepad) {
                 refuseKeypads(ctx);
-                return;
+                return true;
             }
             ctx.controllerVoteType = ctx.NumberSigFigs < 1 ? "11" : "99";
             ctx.Limits = 9;
@@ -305,7 +305,7 @@ void execVote(RunContext& ctx, short& /*restart*/)
             DoCountUpGraphVote(ctx);
         }
         if (ctx.controllerVoteType != "9")
-            return;
+            return true;
 
         if (ctx.vCast)
             ctx.vCast->ShowLabels();
@@ -315,7 +315,10 @@ void execVote(RunContext& ctx, short& /*restart*/)
         if (ctx.GraphType == 7)
             GrabBackground(ctx, "vCast");
         dispatch(ctx);
+        return true;
     });
+    if (!finished)
+        EndProcessAfterFailure(ctx);
 }
 
 } // namespace tallix

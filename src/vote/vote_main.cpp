@@ -240,7 +240,7 @@ void Main(RunContext& ctx)
 {
     ctx.perfFrequency = ctx.clock->perfFrequency();
     ctx.ShowErrors = true;
-    Guarded(ctx, kModule, "Main", true, [&] {
+    const bool finished = Guarded(ctx, kModule, "Main", true, false, [&] {
         ctx.voteRunning = true;
         ReadGlobalSettingsFromINIFile(ctx);
         log(ctx, "*** BEING VOTE APP***");
@@ -251,7 +251,7 @@ void Main(RunContext& ctx)
         ctx.groupFilter.redim(0);
         ctx.optionCounts.redim(0);
         if (!ctx.oPPT)
-            return;
+            return true;
 
         RecordPPTHandles(ctx);
         GetPPAPPActiveWindowIndex(ctx);
@@ -305,13 +305,13 @@ void Main(RunContext& ctx)
             ctx.makeMode = true;
         if (ctx.arg1 == "TLXGROUP" && !showRunning(ctx) && ctx.arg3 != "999") {
             FullShutDown(ctx);
-            return;
+            return true;
         }
         if (ctx.arg1 == "TLXRESHOW") {
             log(ctx, "Reshow started");
             NotBuiltYet(ctx, "Reshow", "ReshowDisplay");
             FullShutDown(ctx);
-            return;
+            return true;
         }
 
         log(ctx, "Check vCast");
@@ -351,7 +351,7 @@ void Main(RunContext& ctx)
             log(ctx, "Unable to load vote info");
             RecordVoteEnd(ctx, "Unable to load vote info");
             FullShutDown(ctx);
-            return;
+            return true;
         }
         SettingsDocument& doc = settingsDocOf(ctx);
         if (!doc.loadXML(settings)) {
@@ -360,7 +360,7 @@ void Main(RunContext& ctx)
                                 MsgBoxStyle::Critical, QString());
             RecordVoteEnd(ctx, "Unable to load vote info");
             FullShutDown(ctx);
-            return;
+            return true;
         }
         SetVarsFromXML(ctx);
 
@@ -406,7 +406,7 @@ void Main(RunContext& ctx)
             execRevote(ctx, 0, 0);
             if (ReadVoteEnd(ctx) != "doVote") {
                 FullShutDown(ctx);
-                return;
+                return true;
             }
         }
 
@@ -420,7 +420,10 @@ void Main(RunContext& ctx)
         short restart = 0;
         execVote(ctx, restart);
         ProcessTimeLog(ctx, "RunVote");
+        return true;
     });
+    if (!finished)
+        EndProcessAfterFailure(ctx);
 }
 
 } // namespace tallix
