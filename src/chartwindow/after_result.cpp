@@ -12,6 +12,11 @@ namespace tallix {
 void AwaitPresenterAfterResult(RunContext& ctx)
 {
     Guarded(ctx, "FrmTChart", "AwaitPresenterAfterResult", false, 0, [&] {
+        // With AutoAdvance the show moves on by itself: the shutdown waits its time.
+        if (ctx.AutoAdvance) {
+            FullShutDown(ctx);
+            return 0;
+        }
         while (ctx.FrmTChart && ctx.FrmTChart->PendingKey() == 0)
             ctx.pump->WaitForEvents(50);
         if (!ctx.FrmTChart)

@@ -6,7 +6,8 @@ namespace tallix {
 
 struct RunContext;
 
-// Waits, pumping, until the result window has a key for the end of the result or is gone
+// With AutoAdvance on nothing is awaited: the run ends after AutoAdvanceTime.
+// Otherwise waits, pumping, until the result window has a key for the end of the result or is gone
 // (a restart unloads it; a click ends the run itself), then acts on the key: Ctrl+Q and
 // Ctrl+G run the add-in's "InstaQ" and "instaGraph", any other stored key shuts down.
 void AwaitPresenterAfterResult(RunContext& ctx);

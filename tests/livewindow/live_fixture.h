@@ -109,9 +109,11 @@ public:
 class RecordingResult final : public ResultForm {
 public:
     void GraphtoSlide(short elements) override { placed.push_back(elements); }
-    // The presenter moves on at once once the picture is on the slide.
-    short PendingKey() const override { return ' '; }
+    // The presenter moves on at once once the picture is on the slide, unless a test
+    // makes them wait.
+    short PendingKey() const override { return key; }
     std::vector<short> placed;
+    short key = ' ';
 };
 
 class LiveVoteTest : public ::testing::Test {

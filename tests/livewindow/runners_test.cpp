@@ -184,3 +184,24 @@ TEST_F(LiveVoteTest, ShutdownLetsTheAddInPrepareTheNextSlideEvenPastTheLast)
     const std::vector<std::pair<QString, QString>> expected = {{"PreLoadVoteConfig", "3"}, {"PreLoadVoteConfig", "4"}};
     EXPECT_EQ(ran, expected);
 }
+
+TEST_F(LiveVoteTest, AutoAdvanceMovesOnFromTheResultWithoutAKey)
+{
+    ctx.AutoAdvance = true;
+    ctx.AutoAdvanceTime = 3;
+    result.key = 0;   // the presenter touches nothing
+    ctx.votes(0) = "2";
+    ctx.voteReceived = true;
+    const double start = run.t.clock.secondsSinceMidnight();
+    run.t.pump.setHook([&] {
+        if (run.t.clock.secondsSinceMidnight() - start > 30)
+            throw ProcessExit{99};   // still waiting for a key: give up
+    });
+    EXPECT_TRUE(endsProcess([&] { EndNormalVote(ctx); }));
+    const double took = run.t.clock.secondsSinceMidnight() - start;
+    EXPECT_GE(took, 3.0);
+    EXPECT_LT(took, 3.5);
+    EXPECT_EQ(exits, 1);
+    EXPECT_EQ(result.placed, std::vector<short>{-1});
+    EXPECT_TRUE(sent("NEXTSLIDE,2"));
+}
