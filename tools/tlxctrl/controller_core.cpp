@@ -32,7 +32,7 @@ ControllerCore::ControllerCore(ControllerConfig config, CoreOptions options, Clo
     if (options_.simulate.voters > 0)
         simulator_ = std::make_unique<VoteSimulator>(clock_, rng_, options_.simulate,
                                                      [this](const QString& text) { broadcast(wire::FromTLXCtrl(text)); });
-    heartbeatTimer_->setInterval(kHeartbeatMs);
+    heartbeatTimer_->setInterval(std::max(1, options_.heartbeatMs));
     heartbeatTimer_->onTick([this] { heartbeat(); });
     scriptTimer_->onTick([this] { runScriptDue(); });
     idleTimer_->onTick([this] {
@@ -219,7 +219,7 @@ void ControllerCore::openVote()
                    .arg(setup_.limits)
                    .arg(bases.size()));
     broadcast(wire::StartVoteCount(int(bases.size())));
-    heartbeatTimer_->setEnabled(true);
+    heartbeatTimer_->setEnabled(options_.heartbeatMs > 0);
     armScript();
 
     if (simulator_) {

@@ -38,6 +38,8 @@ struct CoreOptions {
     QList<ScriptEntry> script;
     quint32 seed = 0;
     int idleExitMs = 10 * 60 * 1000; // 0: never
+    // 0: silent bases, so a test can be sure nothing arrives but what its script sends.
+    int heartbeatMs = 500;
 };
 
 class ControllerCore {
@@ -65,8 +67,6 @@ public:
     const QList<int>& activeKeypads() const { return activeKeypads_; }
     // The keypads that may vote now: the room, narrowed to the active list if one came.
     QList<int> votingKeypads() const;
-
-    static constexpr int kHeartbeatMs = 500;
 
 private:
     void handleCommand(const QString& command, const QJsonObject& message, const Send& reply);

@@ -99,11 +99,12 @@ int TlxctrlMain(int argc, char** argv)
     const QCommandLineOption logOpt("log", "Append a time-stamped line per received command to FILE (default: stderr).", "FILE");
     const QCommandLineOption seedOpt("seed", "Seed of the simulated room (default: from the time).", "N");
     const QCommandLineOption idleOpt("idle-exit", "Exit after SECONDS with no client (default 600; 0: never).", "SECONDS", "600");
+    const QCommandLineOption heartbeatOpt("heartbeat", "Send each base's heartbeat every MS milliseconds of an open vote (default 500; 0: none).", "MS", "500");
     const QCommandLineOption socketOpt("socket", "Listen at PATH instead of the usual controller socket.", "PATH");
     const QCommandLineOption quitOpt("quit", "Tell the running controller to end, and wait for it.");
     const QCommandLineOption detachOpt("detach", "Leave the starter's session, as a controller started on first use does; without --log, log beside the socket.");
     const QCommandLineOption printOpt("print-baseinfo", "Print the BaseInfo reply the configuration gives, and exit.");
-    parser.addOptions({configOpt, simulateOpt, scriptOpt, logOpt, seedOpt, idleOpt, socketOpt, quitOpt, detachOpt, printOpt});
+    parser.addOptions({configOpt, simulateOpt, scriptOpt, logOpt, seedOpt, idleOpt, heartbeatOpt, socketOpt, quitOpt, detachOpt, printOpt});
     if (!parser.parse(app.arguments())) {
         say(parser.errorText());
         return kExitBadInput;
@@ -171,6 +172,11 @@ int TlxctrlMain(int argc, char** argv)
         return kExitBadInput;
     }
     options.idleExitMs = idleSeconds * 1000;
+    options.heartbeatMs = parser.value(heartbeatOpt).toInt(&ok);
+    if (!ok || options.heartbeatMs < 0 || options.heartbeatMs > 60 * 1000) {
+        say(QString("--heartbeat \"%1\" is not a number of milliseconds from 0 to 60000").arg(parser.value(heartbeatOpt)));
+        return kExitBadInput;
+    }
 
     if (const QString error = prepareFolder(env, path); !error.isEmpty()) {
         say(error);

@@ -109,6 +109,18 @@ TEST(TlxctrlCore, BasesReportAndBeatOnlyWhileAVoteIsOpen)
     EXPECT_TRUE(h.events.isEmpty());
 }
 
+TEST(TlxctrlCore, ABeatOfNoneLeavesTheBasesSilentBesideTheScript)
+{
+    CoreOptions o;
+    o.heartbeatMs = 0;
+    o.script = ParseVoteScript("0.5 [1;2],\\r\\n\n").entries;
+    Harness h(o);
+    h.send("StartVote");
+    h.clock.advanceMs(5000);
+    EXPECT_TRUE(h.take(wire::kBaseFeedback).isEmpty());
+    EXPECT_EQ(h.texts(), QStringList({"[1;2],\r\n"}));
+}
+
 TEST(TlxctrlCore, TheShutDownTextEndsTheVoteInEitherOrder)
 {
     for (const QString text : {"DeleteTask=Vote,Voting...\r\nEndVote", "EndVote\r\nDeleteTask=Vote,Voting..."}) {
