@@ -69,8 +69,11 @@ void SocketControllerLink::SendCommand(const QString& text, const QJsonObject& e
     if (askingSettings) {
         QElapsedTimer waited;
         waited.start();
-        while (!settingsArrived_ && connected() && waited.elapsed() < kSettingsReplyWaitMs)
+        while (!settingsArrived_ && connected() && waited.elapsed() < kSettingsReplyWaitMs) {
             socket_->waitForReadyRead(int(kSettingsReplyWaitMs - waited.elapsed()));
+            // Asked from inside an event's handler the socket reads without signalling.
+            channel_->readAvailable();
+        }
     }
 }
 

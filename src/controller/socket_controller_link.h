@@ -33,8 +33,10 @@ public:
     // Lines that were not JSON, for the debug log.
     std::function<void(const QString& reason)> onMalformed;
 
-private:
+    // One message from the controller to its handler, as read from the socket.
     void dispatch(const QJsonObject& message);
+
+private:
     void sendOrRaise(const QJsonObject& message);
 
     static constexpr int kSettingsReplyWaitMs = 1000;

@@ -90,13 +90,19 @@ bool JsonLineChannel::send(const QJsonObject& message)
 
 void JsonLineChannel::readAvailable()
 {
-    const QList<JsonLineDecoder::Line> lines = decoder_.feed(socket_->readAll());
-    for (const auto& line : lines) {
-        if (line.ok())
-            emit received(line.message);
-        else
-            emit malformed(line.error);
-    }
+    // A handler may run a nested event loop (a message box). The socket reads what
+    // arrives meanwhile but does not signal it again inside its own signal, so it is
+    // taken here when the handler returns, not left waiting for more traffic.
+    do {
+        pending_.append(decoder_.feed(socket_->readAll()));
+        while (!pending_.isEmpty()) {
+            const JsonLineDecoder::Line line = pending_.takeFirst();
+            if (line.ok())
+                emit received(line.message);
+            else
+                emit malformed(line.error);
+        }
+    } while (socket_->bytesAvailable() > 0);
 }
 
 namespace wire {

@@ -54,16 +54,19 @@ public:
     QString lastError() const { return lastError_; }
     QLocalSocket* socket() const { return socket_; }
 
+    // Delivers every whole line the socket holds now. Runs on the socket's readyRead, and
+    // may be called from inside a handler (a wait for a reply); lines keep their order.
+    void readAvailable();
+
 signals:
     void received(const QJsonObject& message);
     void malformed(const QString& reason);
     void disconnected();
 
 private:
-    void readAvailable();
-
     QLocalSocket* socket_;
     JsonLineDecoder decoder_;
+    QList<JsonLineDecoder::Line> pending_; // read, not yet delivered
     QString lastError_;
 };
 

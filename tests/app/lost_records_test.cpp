@@ -1,0 +1,114 @@
+// No vote record is lost to a message box: the real controller stand-in reports a base
+// error, sends a record while the box is open and then falls silent, so nothing later
+// can carry the record in. Real time, bounded to seconds, in folders of its own.
+
+#include "support/qt_print.h"
+
+#include <QDir>
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QThread>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+const QString kBin = QStringLiteral(TALLIX_BINARY_DIR "/bin/");
+
+class LostRecords : public ::testing::Test {
+protected:
+    QTemporaryDir dir;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    QProcess controller;
+
+    void SetUp() override
+    {
+        for (const char* d : {"xdg", "appdata/tallix", "allusers", "temp", "home"})
+            QDir(dir.path()).mkpath(d);
+        QFile::setPermissions(dir.filePath("xdg"), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        env.insert("XDG_RUNTIME_DIR", dir.filePath("xdg"));
+        env.insert("TALLIX_CONTROLLER_SOCKET", dir.filePath("xdg/controller.sock"));
+        env.insert("APPDATA", dir.filePath("appdata"));
+        env.insert("ALLUSERSPROFILE", dir.filePath("allusers"));
+        env.insert("temp", dir.filePath("temp"));
+        env.insert("HOME", dir.filePath("home"));
+        env.insert("QT_QPA_PLATFORM", "offscreen");
+        env.remove("TALLIX_DECK");
+        ASSERT_EQ(run("tallix-deck", {"new", deck(), "--slides", "2"}), 0);
+    }
+
+    void TearDown() override
+    {
+        run("tlxctrl", {"--quit"}, 5000);
+        if (controller.state() != QProcess::NotRunning) {
+            controller.kill();
+            controller.waitForFinished(2000);
+        }
+    }
+
+    QString deck() const { return dir.filePath("deck.pptx"); }
+    QString write(const QString& name, const QByteArray& text)
+    {
+        QFile f(dir.filePath(name));
+        f.open(QIODevice::WriteOnly);
+        f.write(text);
+        return f.fileName();
+    }
+
+    int run(const QString& program, const QStringList& args, int ms = 30000, QString* out = nullptr)
+    {
+        QProcess p;
+        p.setProcessEnvironment(env);
+        p.start(kBin + program, args);
+        if (!p.waitForFinished(ms)) {
+            p.kill();
+            p.waitForFinished(2000);
+            return -1;
+        }
+        if (out)
+            *out = QString::fromUtf8(p.readAllStandardOutput());
+        return p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -2;
+    }
+
+    // No heartbeats: after the script's last line the controller says nothing more.
+    void startSilentController(const QByteArray& script)
+    {
+        controller.setProcessEnvironment(env);
+        controller.start(kBin + "tlxctrl", {"--log", dir.filePath("controller.log"), "--script",
+                                             write("votes.txt", script), "--idle-exit", "60", "--heartbeat", "0"});
+        ASSERT_TRUE(controller.waitForStarted(3000));
+        for (int i = 0; i < 250 && !QFile::exists(dir.filePath("xdg/controller.sock")); ++i)
+            QThread::msleep(20);
+    }
+
+    QStringList savedTokens(int slide)
+    {
+        QString out;
+        run("tallix-deck", {"tags", deck(), QString::number(slide), "--json"}, 30000, &out);
+        const QString line = QJsonDocument::fromJson(out.toUtf8()).object().value("TLXVOTES").toString();
+        return line.section("\r\n", 0, 0).section(',', 2, 2).split(';');
+    }
+};
+
+TEST_F(LostRecords, ARecordSentWhileTheBaseErrorBoxIsOpenIsSaved)
+{
+    const QByteArray question =
+        "<tlxfile><vote_info><vType>0</vType><options>4</options><startFrom>1</startFrom></vote_info>"
+        "<graph_info><GraphType>2</GraphType><GraphPlotting>0</GraphPlotting></graph_info></tlxfile>";
+    ASSERT_EQ(run("tallix-deck", {"question", deck(), "2", "--settings", write("q.xml", question), "--answers",
+                                  "Red|Green|Blue|Yellow", "--title", "Favourite colour?"}),
+              0);
+    startSilentController("0.2 [1;2],[2;3],\\r\\n\n"
+                          "0.4 !baseerror 0 Base 0 not responding\n"
+                          "0.8 [3;4],\\r\\n\n");
+    // The box is answered well after the record came; the vote ends soon after, before
+    // anything else could have arrived.
+    const QString ops = write("op.txt", "4 key Enter\n4.5 key Space\n6.5 key Space\n");
+    ASSERT_EQ(run("tallix-vote", {"--deck", deck(), "--operator-script", ops, "TLXVOTE,2"}), 0);
+    EXPECT_EQ(savedTokens(2).mid(0, 4), QStringList({"2", "3", "4", "-"}));
+}
+
+} // namespace
