@@ -1,6 +1,7 @@
 #include "comms.h"
 
 #include "controller/controller_link.h"
+#include "controller/live_text.h"
 #include "foundation/clock.h"
 #include "foundation/dialogs.h"
 #include "foundation/error_report.h"
@@ -21,6 +22,7 @@ constexpr qint32 kGreen = 0x80FF80;
 
 Comms::Comms(RunContext& ctx, ControllerLink& link) : ctx_(ctx), link_(link)
 {
+    liveTextDisplay = [this](qint32 keypad, const QString& value) { return LiveTextDisplay(ctx_, keypad, value); };
     tmrCloseEverything = ctx.clock->createTimer();
     tmrCloseEverything->setInterval(50);
     tmrCloseEverything->onTick([this] {

@@ -7,6 +7,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 
 namespace tallix {
@@ -55,6 +56,8 @@ public:
     bool decoderBusy = false;
     bool livePaused = false;
     QStringList pausedQueue;
+    // The live text display, shown each accepted free text; true asks for a pause.
+    std::function<bool(qint32 keypad, const QString& value)> liveTextDisplay;
     std::unique_ptr<IntervalTimer> tmrCloseEverything;
 
     // More accepted vote records.

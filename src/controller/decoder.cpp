@@ -2,7 +2,6 @@
 
 #include "comms.h"
 
-#include "controller/live_text.h"
 #include "controller/scalepad_votes.h"
 #include "foundation/clock.h"
 #include "foundation/dialogs.h"
@@ -193,10 +192,15 @@ void Decoder::run(const QString& message)
         if (ctx_.vCast)
             ctx_.vCast->SetCounterLabel("Paused", 18);
         ctx_.liveLineCount = 0;
-        // The lines still to come are held, in order, for the resume to replay.
-        for (qsizetype rest = li + 1; rest < lines_.size(); ++rest)
-            if (!lines_[rest].isEmpty())
-                comms_.pausedQueue.append(u'[' + lines_[rest].toString() + "],");
+        // The line it paused in and the lines still to come are held, in order, for the
+        // resume to replay; the paused line's last records are in it. Only when it was
+        // the last line is nothing held.
+        if (li + 1 < lines_.size()) {
+            comms_.pausedQueue.append(u'[' + lines_[li].toString() + "],");
+            for (qsizetype rest = li + 1; rest < lines_.size(); ++rest)
+                if (!lines_[rest].isEmpty())
+                    comms_.pausedQueue.append(u'[' + lines_[rest].toString() + "],");
+        }
     }
     RefreshKeypadsNotVoted(ctx_, true);
     if (!comms_.livePaused && ctx_.vType != 1 && ctx_.voteEnded != 1) {
@@ -364,7 +368,7 @@ bool Decoder::singleRecord(QStringView record)
             ctx_.seriesVotes(ctx_.currentIteration, k) = float(selection);
     }
     if (ctx_.FixedFree == 1 && ctx_.FractionalJoltTEXT == 1 && ctx_.Joltdisplay == 0 && ctx_.WLSShow)
-        pauseRequested_ = LiveTextDisplay(ctx_, keypad, value.toString());
+        pauseRequested_ = comms_.liveTextDisplay(keypad, value.toString());
     return true;
 }
 

@@ -112,6 +112,44 @@ TEST_F(ControllerTest, TextWhilePausedIsHeldWholeInArrivalOrder)
     EXPECT_EQ(vote(2), "3");
 }
 
+struct PauseCase {
+    const char* text;
+    QStringList held;
+};
+
+class LiveTextPause : public ControllerTest, public ::testing::WithParamInterface<PauseCase> {};
+
+// The live text display fills its screen at keypad 2: the vote pauses there, the line it
+// paused in and every later line are held for the resume, and the resume counts them.
+TEST_P(LiveTextPause, HoldsThePausedLineAndTheRestForTheResume)
+{
+    ctx.FixedFree = 1;
+    ctx.FractionalJoltTEXT = 1;
+    ctx.Joltdisplay = 0;
+    ctx.WLSShow = true;
+    comms.liveTextDisplay = [](qint32 keypad, const QString&) { return keypad == 2; };
+    feed(GetParam().text);
+    EXPECT_TRUE(comms.livePaused);
+    EXPECT_TRUE(link.sent.contains("PAUSEVOTE"));
+    EXPECT_EQ(vote(2), "b");
+    EXPECT_EQ(vote(3), "-1"); // the rest of the line waits
+    EXPECT_EQ(comms.pausedQueue, GetParam().held);
+
+    comms.liveTextDisplay = [](qint32, const QString&) { return false; };
+    comms.livePaused = false;
+    for (const QString& held : QStringList(comms.pausedQueue))
+        feed(held);
+    for (int k = 1; k <= 5; ++k)
+        EXPECT_EQ(vote(k), GetParam().held.isEmpty() && k > 2 ? QString("-1") : QString(QChar('a' + k - 1))) << k;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Texts, LiveTextPause,
+    ::testing::Values(PauseCase{"[1;a],[2;b],[3;c],\r\n[4;d],\r\n\r\n[5;e],\r\n",
+                                {"[1;a],2;b],3;c],],", "[4;d],],", "[5;e],],"}},
+                      // Paused in the last line: its last records are dropped.
+                      PauseCase{"[1;a],[2;b],[3;c],", {}}));
+
 TEST_F(ControllerTest, ExclusiveSeriesTakesBackARepeatedSelection)
 {
     ctx.vType = 2;
