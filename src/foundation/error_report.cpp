@@ -18,7 +18,13 @@ namespace tallix {
 namespace {
 const QString CRLF = QStringLiteral("\r\n");
 const QString kSeparator = QString(65, '-');
+ErrorReportObserver g_observer = nullptr;
 } // namespace
+
+void SetErrorReportObserver(ErrorReportObserver observer)
+{
+    g_observer = observer;
+}
 
 long clsError::ErrLineNumber() const
 {
@@ -82,6 +88,8 @@ void clsError::Show(Services& s)
     if (s.dialogs)
         s.dialogs->RestorePointer();
     const QString report = composeReport(s);
+    if (g_observer)
+        g_observer(report);
 
     if (showUser_ && s.dialogs) {
         if (description_.contains('~') && number_ == ErrNo::HostUnexpected) {

@@ -59,6 +59,10 @@ private:
 };
 
 inline constexpr int kErrLogLimit = 50000;
+
+// Told of every report as it is made; the tests fail on reports they did not expect.
+using ErrorReportObserver = void (*)(const QString& report);
+void SetErrorReportObserver(ErrorReportObserver observer);
 QString ErrLogPath(Services& s);
 
 // Turns whatever a body threw into the runtime's error: our own VbError as it is, a

@@ -1,4 +1,5 @@
 #include "charts/collation.h"
+#include "support/error_reports.h"
 #include "support/qt_print.h"
 #include "support/test_context.h"
 
@@ -7,6 +8,7 @@
 #include <vector>
 
 using namespace tallix;
+using tallix::testing::ExpectErrorReports;
 using tallix::testing::TestRun;
 using Totals = std::vector<double>;
 
@@ -75,7 +77,9 @@ TEST_P(CollateVoteCases, TotalsPerOption)
     const VoteCase& c = GetParam();
     ctx.allowAbstain = true;
     votes(c.startFrom, 4, c.votes);
+    ExpectErrorReports reports;
     collate();
+    EXPECT_EQ(reports.count() > 0, c.reportsFailure);
     EXPECT_EQ(valuesOf(ctx.optionCounts), c.counts);
     EXPECT_EQ(ctx.votersCounted, c.voters);
     EXPECT_EQ(ctx.weightedVoteTotal, c.voters);
@@ -227,7 +231,9 @@ TEST_F(Collation, SeriesCountsWholePeopleAndOnlyTenPlaces)
 
     series(1, 1, std::vector<std::vector<float>>(11, {1}));
     ctx.ParticipantWeighting = false;
+    ExpectErrorReports eleventhPlace;
     collateSeries();
+    EXPECT_EQ(eleventhPlace.count(), 1);
     EXPECT_EQ(ctx.optionCounts(0), 10) << "the eleventh place has no weight";
     EXPECT_TRUE(run.errLog().contains("CollateSeriesVotes"));
 }

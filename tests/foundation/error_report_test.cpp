@@ -1,5 +1,8 @@
 #include "foundation/error_report.h"
+#include "support/error_reports.h"
 #include "support/test_services.h"
+
+#include <gtest/gtest-spi.h>
 
 #include <gtest/gtest.h>
 
@@ -15,6 +18,7 @@ int failing(Services& s, bool showUser, long number, const QString& text)
 
 TEST(Guarded, ReturnsTheDefaultAndKeepsTheReportInErrLog)
 {
+    tallix::testing::ExpectErrorReports reports;
     TestServices t;
     EXPECT_EQ(failing(t.s, true, 9, "Subscript out of range"), 7);
     ASSERT_EQ(t.dialogs.shown.size(), 1u);
@@ -32,6 +36,7 @@ TEST(Guarded, ReturnsTheDefaultAndKeepsTheReportInErrLog)
 
 TEST(Guarded, ASuppressedReportShowsNothingButRestoresThePointer)
 {
+    tallix::testing::ExpectErrorReports reports;
     TestServices t;
     failing(t.s, false, 5, "x");
     EXPECT_TRUE(t.dialogs.shown.empty());
@@ -41,6 +46,7 @@ TEST(Guarded, ASuppressedReportShowsNothingButRestoresThePointer)
 
 TEST(Guarded, AStandardExceptionIsReportedToo)
 {
+    tallix::testing::ExpectErrorReports reports;
     TestServices t;
     const int r = Guarded(t.s, "M", "P", false, 3, []() -> int { throw std::out_of_range("vector"); });
     EXPECT_EQ(r, 3);
@@ -56,6 +62,7 @@ class HostFailure : public ::testing::TestWithParam<HostCase> {};
 
 TEST_P(HostFailure, OnlyTildeWithTheHostNumberWarnsAboutThePresentation)
 {
+    tallix::testing::ExpectErrorReports reports;
     TestServices t;
     failing(t.s, true, GetParam().number, GetParam().description);
     ASSERT_EQ(t.dialogs.shown.size(), 1u);
@@ -78,6 +85,7 @@ INSTANTIATE_TEST_SUITE_P(Cases, HostFailure,
 
 TEST(ErrLog, NewestOnTopAndCutAtTheLimit)
 {
+    tallix::testing::ExpectErrorReports reports;
     TestServices t;
     TestServices::write(t.path("appdata/tallix/Err.log"), QByteArray(60000, 'o'));
     failing(t.s, false, 5, "newest");
@@ -89,6 +97,7 @@ TEST(ErrLog, NewestOnTopAndCutAtTheLimit)
 
 TEST(ErrLog, WithoutAppDataTheReportGoesBesideTheProgram)
 {
+    tallix::testing::ExpectErrorReports reports;
     TestServices t;
     t.s.env.set("APPDATA", "");
     failing(t.s, false, 5, "here");
@@ -106,3 +115,30 @@ TEST(clsError, LineNumberIsTextReadBackAsANumberAndExtraInfoIsAppended)
 }
 
 } // namespace
+
+namespace tallix::testing {
+namespace {
+
+TEST(ErrorReportWatch, AReportNobodyExpectedFailsTheTestWithItsText)
+{
+    TestServices t;
+    EXPECT_NONFATAL_FAILURE(failing(t.s, false, 9, "Subscript out of range"), "Procedure: XMLGetNodes");
+}
+
+TEST(ErrorReportWatch, ExpectedReportsAreKeptByTheInnermostExpectation)
+{
+    TestServices t;
+    ExpectErrorReports outer;
+    {
+        ExpectErrorReports inner;
+        failing(t.s, false, 9, "first");
+        EXPECT_EQ(inner.count(), 1);
+        EXPECT_TRUE(inner.all().contains("Description: first"));
+    }
+    failing(t.s, false, 9, "second");
+    ASSERT_EQ(outer.count(), 1);
+    EXPECT_TRUE(outer.reports()[0].contains("Description: second"));
+}
+
+} // namespace
+} // namespace tallix::testing

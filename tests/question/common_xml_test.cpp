@@ -1,11 +1,13 @@
 #include "foundation/numbers.h"
 #include "question/common_xml.h"
 #include "question/settings_document.h"
+#include "support/error_reports.h"
 #include "support/test_context.h"
 
 #include <gtest/gtest.h>
 
 using namespace tallix;
+using tallix::testing::ExpectErrorReports;
 using tallix::testing::TestRun;
 
 namespace {
@@ -160,7 +162,9 @@ TEST_F(CommonXml, CreateSectionNeedsTheRootSpelledExactly)
 TEST_F(CommonXml, ABadXPathIsReportedAndGivesTheEmptyDefault)
 {
     load("<tlxfile><a><k>1</k></a></tlxfile>");
+    ExpectErrorReports reports;
     EXPECT_EQ(XMLGetNodes(ctx, "a", "1bad", "x"), "");
+    EXPECT_TRUE(reports.all().contains("Procedure: XMLGetNodes"));
     EXPECT_TRUE(run.errLog().contains("Procedure: XMLGetNodes"));
 }
 

@@ -3,11 +3,13 @@
 #include "question/settings_document.h"
 #include "foundation/host.h"
 #include "host/deck_host.h"
+#include "support/error_reports.h"
 #include "support/test_context.h"
 
 #include <gtest/gtest.h>
 
 using namespace tallix;
+using tallix::testing::ExpectErrorReports;
 using tallix::testing::TestRun;
 
 namespace {
@@ -90,9 +92,11 @@ TEST_F(Schema, GroupOptionsUseTheFirstOptionNumber)
 
 TEST_F(Schema, AGroupBeyondTheOptionsEndsTheReaderThroughTheErrorReport)
 {
+    ExpectErrorReports reports;
     read("<vote_info><options>2</options></vote_info><group_info><GroupOption9>X</GroupOption9></group_info>"
          "<graph_info><GraphType>4</GraphType></graph_info>");
     EXPECT_EQ(ctx.GraphType, 0); // sections after the failure are not read
+    EXPECT_EQ(reports.count(), 1);
     EXPECT_TRUE(run.errLog().contains("Module: Common_ColumnsVoteXML"));
     ASSERT_EQ(run.t.dialogs.shown.size(), 1u); // reported to the user
 }
