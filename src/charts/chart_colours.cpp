@@ -14,6 +14,7 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <cmath>
 
 namespace tallix {
@@ -26,7 +27,26 @@ constexpr int kFallbackPlaceholders[] = {host::PlaceholderType::Body, host::Plac
                                          host::PlaceholderType::VerticalBody, host::PlaceholderType::Subtitle};
 
 QString BarKey(int i) { return QStringLiteral("Bar%1").arg(i, 3, 10, QLatin1Char('0')); }
+
+// Below this a bar is hard to tell from what stands behind it.
+constexpr double kMinBarContrast = 1.5;
+
+double RelativeLuminance(long bgr)
+{
+    auto channel = [](long v) {
+        const double c = double(v & 0xFF) / 255.0;
+        return c <= 0.04045 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * channel(bgr) + 0.7152 * channel(bgr >> 8) + 0.0722 * channel(bgr >> 16);
+}
 } // namespace
+
+double ContrastRatio(long bgr1, long bgr2)
+{
+    const double a = RelativeLuminance(bgr1);
+    const double b = RelativeLuminance(bgr2);
+    return (std::max(a, b) + 0.05) / (std::min(a, b) + 0.05);
+}
 
 int OptionColourIndex(int option)
 {
@@ -96,11 +116,14 @@ short SetColoursFromPPT(RunContext& ctx)
             return 0;
         const QStringList order = HostColourOrder(ctx.oPPT->Version()).split(QLatin1Char(','));
         host::Presentation* pres = ctx.oPres ? ctx.oPres : ctx.oPPT->ActivePresentation();
+        // The chart stands on the slide, whose background is the theme's first light colour;
+        // the light and dark entries of the order can vanish against it.
+        const long background = pres->ThemeColorScheme(host::ThemeColor::Light1);
         for (int i = 0; i < order.size(); ++i) {
             const long colour = pres->ThemeColorScheme(order[i].toInt());
             // The writer reports its own failures; a key it had to add is no failure.
             XMLSetSingleNode(ctx, QStringLiteral("BarColours"), BarKey(i), QString::number(colour));
-            if (i <= ctx.optionColours.ubound())
+            if (i <= ctx.optionColours.ubound() && ContrastRatio(colour, background) >= kMinBarContrast)
                 ctx.optionColours(i) = qint32(colour);
         }
         WriteDebugLog(ctx, 0, QStringLiteral("End Function"), kModule, "SetColoursFromPPT");

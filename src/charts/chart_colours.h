@@ -16,6 +16,9 @@ void LoadDefaultColours(RunContext& ctx, short fromPresentation);
 short SetColoursFromPPT(RunContext& ctx);
 void SetFontFromPPT(RunContext& ctx);
 
+// WCAG contrast ratio of two blue-green-red colours, 1 (none) to 21 (black on white).
+double ContrastRatio(long bgr1, long bgr2);
+
 // The host's colour order for its version: theme colours from 12 on, scheme colours before.
 QString HostColourOrder(const QString& version);
 

@@ -5,6 +5,7 @@
 #include "chartwindow/chart_to_slide_names.h"
 #include "chartwindow/ui/refresh_tchart.h"
 #include "question/common_xml.h"
+#include "support/error_reports.h"
 
 #include <gtest/gtest.h>
 
@@ -106,9 +107,12 @@ TEST(ChartColours, ThemeColoursOfTheDeckAndTheDefaultFile)
                         "<Bar010>bad</Bar010></BarColours>"
                         "<DefaultColours><!-- ours --><Bar001>5</Bar001></DefaultColours></tlxfile>");
     r.ctx.optionColours(10) = 1234;
+    ExpectErrorReports badValue;
     LoadDefaultColours(r.ctx, -1);
-    // Seven theme colours in the host's order; the rest from the file, a bad value left alone.
-    for (int i = 0; i < 7; ++i)
+    EXPECT_EQ(badValue.count(), 1);
+    // Theme colours in the host's order (the two light ones vanish on this white slide);
+    // the rest from the file, a bad value left alone.
+    for (int i = 0; i < 5; ++i)
         EXPECT_EQ(r.ctx.optionColours(i), qint32(r.ctx.oPres->ThemeColorScheme(QStringLiteral("5,6,7,8,3,2,4").split(',')[i].toInt())))
             << i;
     EXPECT_EQ(r.ctx.optionColours(9), 99);
@@ -116,6 +120,59 @@ TEST(ChartColours, ThemeColoursOfTheDeckAndTheDefaultFile)
     EXPECT_EQ(XMLGetItem(QStringLiteral("Bar004"), XMLGetString(r.ctx, QStringLiteral("BarColours"))),
               QString::number(r.ctx.oPres->ThemeColorScheme(3)));
     EXPECT_EQ(HostColourOrder(QStringLiteral("11.0")).split(',').size(), 10);
+}
+
+// Sets the deck's theme colours by their scheme names ("lt1", "accent3", ...), as six hex digits.
+void SetThemeColours(ChartRun& r, std::initializer_list<std::pair<const char*, const char*>> colours)
+{
+    pugi::xml_node scheme =
+        r.deck->deck().package().xml(QStringLiteral("ppt/theme/theme1.xml")).select_node("//a:clrScheme").node();
+    ASSERT_TRUE(scheme);
+    for (auto [name, hex] : colours) {
+        pugi::xml_node entry = scheme.child((std::string("a:") + name).c_str());
+        entry.remove_children();
+        entry.append_child("a:srgbClr").append_attribute("val") = hex;
+    }
+}
+
+long Bgr(const char* hex)
+{
+    const uint rgb = QString::fromLatin1(hex).toUInt(nullptr, 16);
+    return long(((rgb & 0xFF) << 16) | (rgb & 0xFF00) | ((rgb >> 16) & 0xFF));
+}
+
+TEST(ChartColours, AThemeColourTooCloseToTheSlideKeepsTheDefault)
+{
+    struct Case {
+        const char* what;
+        std::initializer_list<std::pair<const char*, const char*>> theme;
+        int option;        // index into the host order 5,6,7,8,3,2,4
+        const char* host;  // the theme colour at that place
+        bool taken;
+    };
+    const Case cases[] = {
+        {"white on white", {}, 5, "FFFFFF", false},
+        {"near-white on white", {}, 6, "E7E6E6", false},
+        {"dark grey on white", {}, 4, "44546A", true},
+        {"just enough contrast (1.54:1)", {{"accent3", "D0D0D0"}}, 2, "D0D0D0", true},
+        {"just too little (1.43:1)", {{"accent3", "D8D8D8"}}, 2, "D8D8D8", false},
+        {"a dark slide hides the dark colour", {{"lt1", "202020"}, {"dk2", "1A1A1A"}}, 4, "1A1A1A", false},
+        {"a dark slide shows the light colour", {{"lt1", "202020"}, {"lt2", "E7E6E6"}}, 6, "E7E6E6", true},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        ChartRun r;
+        SetThemeColours(r, c.theme);
+        const qint32 before = r.ctx.optionColours(c.option);
+        EXPECT_EQ(SetColoursFromPPT(r.ctx), -1);
+        EXPECT_EQ(r.ctx.optionColours(c.option), c.taken ? qint32(Bgr(c.host)) : before);
+        // The deck's colour is recorded for the question whether or not a bar wears it.
+        EXPECT_EQ(XMLGetItem(QStringLiteral("Bar%1").arg(c.option, 3, 10, QLatin1Char('0')),
+                             XMLGetString(r.ctx, QStringLiteral("BarColours"))),
+                  QString::number(Bgr(c.host)));
+    }
+    EXPECT_DOUBLE_EQ(ContrastRatio(0, 0xFFFFFF), 21.0);
+    EXPECT_DOUBLE_EQ(ContrastRatio(0x123456, 0x123456), 1.0);
 }
 
 TEST(ChartColours, MissingDefaultFileShutsDown)
