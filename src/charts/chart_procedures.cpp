@@ -46,6 +46,12 @@ void GrabBackground(RunContext& ctx, const char* formName)
         NotBuiltYet(ctx, "Common_grabber", "GrabBackground");
 }
 
+void ShowLegend(RunContext& ctx)
+{
+    if (ctx.chartProcedures)
+        ctx.chartProcedures->ShowLegend();
+}
+
 void GraphtoSlide(RunContext& ctx, short elements)
 {
     if (ctx.FrmTChart)

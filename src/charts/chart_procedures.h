@@ -31,6 +31,8 @@ public:
     virtual void DrawDynamicChart() = 0;
     // The background grab behind a window: "vCast" or "FrmTChart".
     virtual void GrabBackground(const char* formName) = 0;
+    // The legend of the result chart, when the settings flag it.
+    virtual void ShowLegend() {}
 };
 
 void DisplayChart(RunContext& ctx, DisplayChartArgs args);
@@ -38,6 +40,7 @@ void DisplayMultiChart(RunContext& ctx, short displayBy, short iterations, bool 
 void DisplayTick(RunContext& ctx);
 void DrawDynamicChart(RunContext& ctx);
 void GrabBackground(RunContext& ctx, const char* formName);
+void ShowLegend(RunContext& ctx);
 // FrmTChart.GraphtoSlide; -1 (the runtime's true) exports every element.
 void GraphtoSlide(RunContext& ctx, short elements);
 

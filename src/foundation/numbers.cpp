@@ -223,15 +223,28 @@ QString Get_localThousand()
 
 QString NumberFormatFor(double value)
 {
-    QString thousand = Get_localThousand();
-    thousand.replace(".", " ");
+    // The pattern is in the chart surface's own terms, "," groups and "." starts the
+    // fraction; the surface shows them with the locale's marks.
     QString pattern = "##0";
     const QString whole = QString::number(std::trunc(value), 'f', 0);
     while (pattern.size() < whole.size())
-        pattern += thousand + "###";
+        pattern += ",###";
     if (value != std::trunc(value))
-        pattern += Get_localDecimal() + "0#########";
+        pattern += ".0#########";
     return pattern;
+}
+
+QChar NumberMarkThousands()
+{
+    // A point between groups would pass for the point of the data's own numbers.
+    const QString t = Get_localThousand();
+    return t.isEmpty() ? QLatin1Char(',') : t == QLatin1String(".") ? QLatin1Char(' ') : t.at(0);
+}
+
+QChar NumberMarkDecimal()
+{
+    const QString d = Get_localDecimal();
+    return d.isEmpty() ? QLatin1Char('.') : d.at(0);
 }
 
 double CDbl(const QString& text)

@@ -43,6 +43,10 @@ std::optional<qint32> PlainNumber(QStringView text);
 QString Get_localDecimal();
 QString Get_localThousand();
 QString NumberFormatFor(double value);
+// The marks that show a number's pattern on this machine: its decimal mark, and its group
+// mark with a point shown as a blank.
+QChar NumberMarkDecimal();
+QChar NumberMarkThousands();
 
 // The runtime's Val: the longest leading number, "." as decimal point, blanks, tabs
 // and line feeds ignored, &H and &O prefixes for hexadecimal and octal.

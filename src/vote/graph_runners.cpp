@@ -233,6 +233,7 @@ void EndNormalVote(RunContext& ctx)
             args.fadeIn = 1;
             DisplayChart(ctx, args);
         }
+        ShowLegend(ctx);
         // A chart that does not grow is built unseen; a growing one fades itself in.
         if (ctx.GraphPlotting == 0 && ctx.FrmTChart)
             ctx.FrmTChart->ShowMe();

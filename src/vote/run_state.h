@@ -57,6 +57,21 @@ struct ChartDimension {
     float PositionLeft = 0;
 };
 
+// One chart's legend as its settings give it.
+struct LegendRecord {
+    short Show = 0; // above 0: the chart shows a legend
+    QString Name;
+    qint32 Colour = 0;
+    short Size = 0;
+    bool Bold = false;
+    bool Italic = false;
+    bool Underline = false;
+    bool StrikeThrough = false;
+    short Alignment = 1;
+    bool HidePen = false; // the symbols are drawn without their outline
+    QString Text;         // the entry of a reshow legend
+};
+
 // The chart's area on the slide, each figure a fraction of the slide's size.
 struct VArea {
     QString questionSlideRef;
@@ -208,6 +223,7 @@ struct RunState {
     VbArray<double> BarSpacing;
     VbArray<short> BarDepth;
     VbArray<ChartDimension> ChartDimensions;
+    VbArray<LegendRecord> Legends;
     FontSettings Font;
     short FontSize = 0;
     VbArray<VArea> vArea;

@@ -6,9 +6,11 @@
 
 #include "charts/ui/chart_display.h"
 #include "chartsurface/chart_export.h"
+#include "foundation/numbers.h"
 #include "foundation/safe_write.h"
 
 #include <QImage>
+#include <QLocale>
 
 #include <gtest/gtest.h>
 
@@ -147,6 +149,33 @@ TEST(DisplayChart, BarNumberMarksBothSideBySide)
     EXPECT_FALSE(s.Marks.MultiLine);
 }
 
+TEST(DisplayChart, NumberMarksUseTheLocalesMarks)
+{
+    struct Row {
+        const char* locale;
+        const char* decimal;
+        const char* thousand;
+        const char* marks[4];  // 12.5, 1234, 1234567.25, 7
+    };
+    const Row rows[] = {
+        {"en_US", ".", ",", {"12.5", "1,234", "1,234,567.25", "7"}},
+        {"de_DE", ",", ".", {"12,5", "1 234", "1 234 567,25", "7"}},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.locale);
+        ScopedSeparators machine(row.decimal, row.thousand);
+        const QLocale before;
+        QLocale::setDefault(QLocale(QString::fromLatin1(row.locale)));
+        ChartRun r;
+        r.ctx.showAsPercentOrNumber = 1;
+        r.setCounts(2, {12.5, 1234, 1234567.25, 7});
+        TSeries& s = r.display().TChart(0).SERIES(0);
+        QLocale::setDefault(before);
+        for (int i = 0; i < 4; ++i)
+            EXPECT_EQ(s.PointLabel(i), QString::fromLatin1(row.marks[i])) << i;
+    }
+}
+
 TEST(DisplayChart, AbstainCountOnlyInAVote)
 {
     for (const char* action : {"TLXVOTE", "TLXRESHOW"}) {
@@ -242,3 +271,98 @@ TEST(ChartAxes, AdjustAxesCentresBarsAndFontsScale)
 }
 
 } // namespace
+
+namespace tallix::testing {
+namespace {
+
+TEST(ChartLegend, TheFlagOfChartZeroShowsTheLegendStyledFromItsRecord)
+{
+    for (const bool flagged : {false, true}) {
+        SCOPED_TRACE(flagged ? "legend flagged" : "no legend");
+        ChartRun r;
+        r.ctx.Font.Colour = 0x112233;
+        r.ctx.Legends.redim(1);
+        LegendRecord& rec = r.ctx.Legends(0);
+        rec.Show = flagged ? 1 : 0;
+        rec.Name = QStringLiteral("Liberation Serif");
+        rec.Colour = 0x0000AA;
+        rec.Size = 11;
+        rec.Bold = true;
+        rec.StrikeThrough = true;
+        rec.Alignment = 3;
+        rec.HidePen = true;
+        r.setCounts(2, {3, 5});
+        FrmTChart& form = r.display();
+        ShowLegend(r.ctx);
+        const ::tallix::TChart& c = form.TChart(0);
+        EXPECT_EQ(c.Legend.Visible, flagged);
+        // Beside a legend the marks take the first option's colour, else the font's.
+        EXPECT_EQ(c.SERIES(0).Marks.Font.Color, OleColor(flagged ? r.ctx.optionColours(0) : 0x112233));
+        if (!flagged)
+            continue;
+        EXPECT_EQ(c.Legend.Alignment, 3);
+        EXPECT_FALSE(c.Legend.Symbol.DefaultPen);
+        EXPECT_TRUE(c.Legend.Transparent);
+        EXPECT_TRUE(c.Legend.Symbol.Squared);
+        EXPECT_EQ(c.Legend.Font.Name, QStringLiteral("Liberation Serif"));
+        EXPECT_EQ(c.Legend.Font.Color, OleColor(0x0000AA));
+        EXPECT_EQ(c.Legend.Font.Size, 11);
+        EXPECT_TRUE(c.Legend.Font.Bold);
+        EXPECT_FALSE(c.Legend.Font.Italic);
+        EXPECT_TRUE(c.Legend.Font.StrikeThrough);
+    }
+}
+
+TEST(ChartLegend, GradientRunsFromTheGradientColourToTheSecondColour)
+{
+    for (const short g : {short(0), short(2), short(4)}) {
+        ChartRun r;
+        r.ctx.GradientColourShow = true;
+        r.ctx.GradientColour = 0x00FF00;
+        r.ctx.Font.Colour2 = 0x800000;
+        r.setCounts(g, {3, 5});
+        const TGradient& gr = r.display().TChart(0).SERIES(0).Gradient;
+        EXPECT_TRUE(gr.Visible) << g;
+        EXPECT_EQ(gr.StartColor, OleColor(0x00FF00)) << g;
+        EXPECT_EQ(gr.EndColor, OleColor(0x800000)) << g;
+    }
+}
+
+TEST(ChartLegend, ReshowEntriesComeFromTheRecordsOrTheFilters)
+{
+    struct Case {
+        const char* action;
+        short reshowLegend;
+        int index;
+        const char* expected;
+    };
+    const Case cases[] = {
+        {"TLXVOTE", 0, 0, "B)"},           // a vote keeps the option label
+        {"TLXRESHOW", 0, 0, "Staff"},      // the legend record's entry
+        {"TLXRESHOW", 0, 1, "Live Votes"}, // past the records
+        {"TLXRESHOW", 1, 0, "Staff or Yes"},
+        {"TLXRESHOW", 1, 1, "All"},        // an empty filter
+        {"TLXRESHOW", 1, 5, "All"},        // past the filters
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::string(c.action) + " " + std::to_string(c.reshowLegend) + " " + std::to_string(c.index));
+        ChartRun r;
+        r.ctx.arg1 = QString::fromLatin1(c.action);
+        r.ctx.Legends.redim(0);
+        r.ctx.Legends(0).Text = QStringLiteral("Staff");
+        r.setCounts(2, {3, 5});
+        FrmTChart& form = r.display();
+        form.reshowLegend = c.reshowLegend;
+        form.legendFilters = {QStringLiteral("Staff|^Yes^"), QString()};
+        form.legendFiltersOr = true;
+        QString text = QStringLiteral("B)");
+        // The surface asks through this hook for every entry it draws.
+        ASSERT_TRUE(form.TChart(0).legendTextHook);
+        form.TChart(0).legendTextHook(c.index, text);
+        EXPECT_EQ(text, QString::fromLatin1(c.expected));
+    }
+    EXPECT_EQ(FilterLegendText(QStringLiteral("^A^|^B^|C"), false), QStringLiteral("A and B and C"));
+}
+
+} // namespace
+} // namespace tallix::testing

@@ -45,21 +45,33 @@ INSTANTIATE_TEST_SUITE_P(Texts, TlxValTest,
                                            ValCase{"1234567890", 1234567890, 1234567890},
                                            ValCase{"12a", 12, 12}, ValCase{"-0", 0, 0}));
 
-TEST(NumberFormatFor, GrowsGroupsWithTheWholePartAndAddsDecimals)
+TEST(NumberFormatFor, GrowsGroupsWithTheWholePartAndAddsDecimalsWhateverTheLocale)
 {
-    ScopedSeparators point(".", ",");
-    EXPECT_EQ(NumberFormatFor(5), "##0");
-    EXPECT_EQ(NumberFormatFor(1234), "##0,###");
-    // The loop compares lengths: seven digits already fit "##0,###", which shows them all.
-    EXPECT_EQ(NumberFormatFor(1234567), "##0,###");
-    EXPECT_EQ(NumberFormatFor(12345678), "##0,###,###");
-    EXPECT_EQ(NumberFormatFor(2.5), "##0.0#########");
+    const std::pair<double, const char*> rows[] = {
+        {5, "##0"}, {1234, "##0,###"},
+        // The loop compares lengths: seven digits already fit "##0,###", which shows them all.
+        {1234567, "##0,###"}, {12345678, "##0,###,###"}, {2.5, "##0.0#########"}, {12345.5, "##0,###.0#########"}};
+    for (auto [decimal, thousand] : {std::pair{".", ","}, std::pair{",", "."}, std::pair{",", " "}}) {
+        ScopedSeparators machine(decimal, thousand);
+        for (auto [value, pattern] : rows)
+            EXPECT_EQ(NumberFormatFor(value), pattern) << value << " with decimal " << decimal;
+    }
 }
 
-TEST(NumberFormatFor, APointAsGroupSeparatorBecomesABlank)
+TEST(NumberFormatFor, MarksAreTheLocalesWithAPointGroupShownAsABlank)
 {
-    ScopedSeparators comma(",", ".");
-    EXPECT_EQ(NumberFormatFor(12345.5), "##0 ###,0#########");
+    struct Row {
+        const char* decimal;
+        const char* thousand;
+        char16_t decimalMark;
+        char16_t groupMark;
+    };
+    const Row rows[] = {{".", ",", u'.', u','}, {",", ".", u',', u' '}, {",", "\u00a0", u',', u'\u00a0'}, {"", "", u'.', u','}};
+    for (const Row& r : rows) {
+        ScopedSeparators machine(QString::fromUtf8(r.decimal), QString::fromUtf8(r.thousand));
+        EXPECT_EQ(NumberMarkDecimal(), QChar(r.decimalMark)) << r.decimal;
+        EXPECT_EQ(NumberMarkThousands(), QChar(r.groupMark)) << r.thousand;
+    }
 }
 
 TEST(Conversions, FollowTheRuntimesRules)

@@ -70,7 +70,7 @@ void SetGradientColour(RunContext& ctx, FrmTChart& form, int chartIndex, int ser
         auto gradient = [&](TGradient& gr) {
             gr.Visible = ctx.GradientColourShow;
             gr.StartColor = OleColor(ctx.GradientColour);
-            gr.EndColor = Rgb(255, 255, 255);
+            gr.EndColor = OleColor(ctx.Font.Colour2);
             gr.Direction = ctx.GradientDirection;
         };
         if (IsPieKind(g)) {
@@ -193,22 +193,54 @@ void AdjustAxes(RunContext& ctx, FrmTChart& form, int chartIndex, short count)
     });
 }
 
-void SetUpLegend(RunContext& ctx, FrmTChart& form, int chartIndex, int /*legendIndex*/, bool /*fromRecord*/)
+void SetUpLegend(RunContext& ctx, FrmTChart& form, int chartIndex, int /*legendIndex*/, bool fromRecord)
 {
     Step(ctx, "SetUpLegend", [&] {
+        // Without a record the legend wears the marks' font.
+        LegendRecord r;
+        r.Name = ctx.Font.Name;
+        r.Colour = ctx.Font.Colour;
+        r.Size = ctx.Font.Size;
+        r.Italic = ctx.Font.Italic;
+        r.Underline = ctx.Font.Underline;
+        r.StrikeThrough = ctx.Font.StrikeThrough;
+        if (fromRecord && ctx.Legends.ubound() >= 0)
+            r = ctx.Legends(0);
         TLegend& l = form.TChart(chartIndex).Legend;
-        l.Symbol.DefaultPen = true;
+        l.Alignment = r.Alignment;
+        l.Symbol.DefaultPen = !r.HidePen;
         l.Transparent = true;
         l.Symbol.Squared = true;
-        if (!ctx.Font.Name.isEmpty())
-            l.Font.Name = ctx.Font.Name;
-        l.Font.Color = OleColor(ctx.Font.Colour);
-        if (ctx.Font.Size > 0)
-            l.Font.Size = ctx.Font.Size;
-        l.Font.Italic = ctx.Font.Italic;
-        l.Font.Underline = ctx.Font.Underline;
-        l.Font.StrikeThrough = ctx.Font.StrikeThrough;
+        if (!r.Name.isEmpty())
+            l.Font.Name = r.Name;
+        l.Font.Color = OleColor(r.Colour);
+        if (r.Size > 0)
+            l.Font.Size = r.Size;
+        l.Font.Bold = r.Bold;
+        l.Font.Italic = r.Italic;
+        l.Font.Underline = r.Underline;
+        l.Font.StrikeThrough = r.StrikeThrough;
     });
+}
+
+bool LegendShown(const RunContext& ctx) { return ctx.Legends.ubound() >= 0 && ctx.Legends(0).Show > 0; }
+
+void ShowLegend(RunContext& ctx, FrmTChart& form)
+{
+    Step(ctx, "ShowLegend", [&] {
+        if (!LegendShown(ctx))
+            return;
+        // The surface takes the entries from the options, or from the series when there are several.
+        form.TChart(0).Legend.Visible = true;
+        SetUpLegend(ctx, form, 0, 0, true);
+    });
+}
+
+QString FilterLegendText(QString title, bool orJoin)
+{
+    title.remove(QLatin1Char('^'));
+    title = title.split(QLatin1Char('|')).join(orJoin ? QStringLiteral(" or ") : QStringLiteral(" and "));
+    return title.isEmpty() ? QStringLiteral("All") : title;
 }
 
 void AdjustChartFont(TChart& chart, int chartIndex, float factor)
@@ -458,6 +490,9 @@ void DisplayChart(RunContext& ctx, FrmTChart& form, DisplayChartArgs& a)
                         chart.Aspect.View3D = true;
                     series.Marks.Transparent = true;
                     ApplyMarksFont(ctx, series);
+                    // Beside a legend the marks take the first option's colour.
+                    if (LegendShown(ctx))
+                        series.Marks.Font.Color = OleColor(ctx.optionColours(0));
                     if (pie) {
                         series.Marks.Arrow.Visible = false;
                         if (g == 13 || g == 14)
@@ -477,8 +512,8 @@ void DisplayChart(RunContext& ctx, FrmTChart& form, DisplayChartArgs& a)
                     } else {
                         const short sap = ctx.showAsPercentOrNumber;
                         if (sap == 1 || sap == 2) {
-                            const QChar dec = Get_localDecimal().isEmpty() ? QLatin1Char('.') : Get_localDecimal()[0];
-                            const QChar th = Get_localThousand().isEmpty() ? QLatin1Char(',') : Get_localThousand()[0];
+                            const QChar dec = NumberMarkDecimal();
+                            const QChar th = NumberMarkThousands();
                             for (int i = 0; i < series.Count(); ++i) {
                                 const double v = series.PointValue(i);
                                 QString text = FormatFloat(NumberFormatFor(v), v, dec, th);

@@ -4,6 +4,7 @@
 
 #include "charts/chart_procedures.h"
 
+#include <QString>
 #include <QtGlobal>
 
 namespace tallix {
@@ -20,6 +21,12 @@ void SetGradientColour(RunContext& ctx, FrmTChart& form, int chartIndex, int ser
 void StartAnimation(RunContext& ctx, FrmTChart& form, int chartIndex, int seriesIndex, short fast);
 
 void SetUpLegend(RunContext& ctx, FrmTChart& form, int chartIndex, int legendIndex, bool fromRecord);
+// The legend flag of chart 0.
+bool LegendShown(const RunContext& ctx);
+// What the end of a vote does for the legend: shown and styled from its record when flagged.
+void ShowLegend(RunContext& ctx, FrmTChart& form);
+// A filter's title as a legend entry: "Staff|^Yes^" reads "Staff or Yes"; none reads "All".
+QString FilterLegendText(QString title, bool orJoin);
 void AdjustChartFont(TChart& chart, int chartIndex, float factor);
 void SetChartDimensions(RunContext& ctx, FrmTChart& form, int chartIndex);
 void SetUpAxes(RunContext& ctx, FrmTChart& form, int chartIndex, int dataChart);

@@ -62,6 +62,12 @@ void ChartWindowProcedures::DrawDynamicChart() { NotBuiltYet(ctx_, "CVote", "Dra
 
 void ChartWindowProcedures::GrabBackground(const char*) { GrabBackgroundClip(ctx_); }
 
+void ChartWindowProcedures::ShowLegend()
+{
+    if (form_)
+        ::tallix::ShowLegend(ctx_, *form_);
+}
+
 std::unique_ptr<ChartWindowProcedures> InstallChartWindow(RunContext& ctx)
 {
     auto procedures = std::make_unique<ChartWindowProcedures>(ctx);

@@ -23,6 +23,7 @@ public:
     void DisplayTick() override;
     void DrawDynamicChart() override;
     void GrabBackground(const char* formName) override;
+    void ShowLegend() override;
 
     // The result window, loaded (and placed over the chart area) when it is not.
     FrmTChart& LoadForm();

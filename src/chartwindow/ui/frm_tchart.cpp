@@ -1,6 +1,7 @@
 #include "frm_tchart.h"
 
 #include "charts/chart_procedures.h"
+#include "charts/ui/chart_display.h"
 #include "controller/comms.h"
 #include "foundation/error_report.h"
 #include "foundation/event_pump.h"
@@ -44,6 +45,7 @@ FrmTChart::FrmTChart(RunContext& c, QWidget* parent)
         connect(&t, &::tallix::TChart::OnMouseMove, this,
                 [this](int i, int shift, int x, int y) { OnMouseMove(i, shift, x, y); });
         connect(&t, &::tallix::TChart::OnAfterDraw, this, &FrmTChart::OnAfterDraw);
+        connect(&t, &::tallix::TChart::OnGetLegendText, this, &FrmTChart::OnGetLegendText, Qt::DirectConnection);
     };
     TChart.Load(0);
 
@@ -277,6 +279,20 @@ void FrmTChart::OnMouseMove(int chartIndex, int /*shift*/, double x, double y)
             }
         tmrHideCursor->setEnabled(true);
     }
+}
+
+void FrmTChart::OnGetLegendText(int /*chartIndex*/, int legendIndex, QString& text)
+{
+    // Only a reshow names its entries; a vote's legend keeps the option labels.
+    if (ctx.arg1.compare(QLatin1String("TLXRESHOW"), Qt::CaseInsensitive) != 0)
+        return;
+    if (reshowLegend == 0) {
+        text = legendIndex >= 0 && legendIndex <= ctx.Legends.ubound() ? ctx.Legends(legendIndex).Text
+                                                                        : QStringLiteral("Live Votes");
+        return;
+    }
+    text = FilterLegendText(legendIndex >= 0 && legendIndex < legendFilters.size() ? legendFilters[legendIndex] : QString(),
+                            legendFiltersOr);
 }
 
 void FrmTChart::OnAfterDraw(int chartIndex)

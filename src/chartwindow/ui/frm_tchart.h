@@ -50,6 +50,11 @@ public:
 
     std::unique_ptr<IntervalTimer> tmr_restart, tmr_GotoMainSub, tmrHideCursor, tmrKeepFocus, tmrDynamicChart;
     short keepFocusTicks = 0;
+    // A reshow's legend: 0 names each entry from the legend records, else from the filter
+    // titles, whose parts are joined by "or" or by "and".
+    short reshowLegend = 0;
+    QStringList legendFilters;
+    bool legendFiltersOr = false;
 
     void Form_Load();
     void Form_Unload();
@@ -58,6 +63,7 @@ public:
     void Form_MouseDown(int button);
     void OnMouseMove(int chartIndex, int shift, double x, double y);
     void OnAfterDraw(int chartIndex);
+    void OnGetLegendText(int chartIndex, int legendIndex, QString& text);
 
     // Window alpha 0..255, stepped from `from` to `to`.
     void Fade(int from, int to);
