@@ -266,7 +266,7 @@ void FullShutDown(RunContext& ctx)
             ctx.oPPT->Run("nowExpandAllCharts");   // committed just above
         RemoveObjectsAutomaticallyAddedByPPT(ctx, SlideAt(ctx, ctx.currentSlide));
         if (ctx.arg1 != "TLXRESHOW" && ctx.comms)
-            ctx.comms->SendCommandToController("EndVote\r\nDeleteTask=Vote,Voting...");
+            ctx.comms->SendCommandToController("DeleteTask=Vote,Voting...\r\nEndVote");
         try {
             if (ctx.oPres)
                 ctx.oPres->GetTags()->Delete("tlxActivity");

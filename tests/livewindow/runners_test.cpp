@@ -34,7 +34,7 @@ TEST_F(LiveVoteTest, CountUpOnTheKeyboardEndsBySpaceAndDrawsTheResult)
     EXPECT_EQ(result.placed, std::vector<short>{-1});
     EXPECT_GE(commits, 1);
     EXPECT_EQ(exits, 1);
-    EXPECT_TRUE(sent("EndVote\r\nDeleteTask=Vote,Voting..."));
+    EXPECT_TRUE(sent("DeleteTask=Vote,Voting...\r\nEndVote"));
 }
 
 TEST_F(LiveVoteTest, CountDownOnTheKeyboardEndsWhenTheTimeIsUp)

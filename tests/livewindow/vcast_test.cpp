@@ -149,7 +149,7 @@ TEST_F(LiveVoteTest, QuitAndEscapeEndWithVoteFinishedAndNoAutoAdvance)
     }
     EXPECT_FALSE(view().visible);
     EXPECT_DOUBLE_EQ(view().opacity, 0);
-    EXPECT_TRUE(sent("EndVote\r\nDeleteTask=Vote,Voting..."));
+    EXPECT_TRUE(sent("DeleteTask=Vote,Voting...\r\nEndVote"));
 }
 
 TEST_F(LiveVoteTest, LabelChangeFitsTheWindowAndEndsWhenEveryKeypadHasVoted)
