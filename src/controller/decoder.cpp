@@ -145,10 +145,10 @@ void Decoder::run(const QString& message)
             holdsVotes = true;
             break;
         }
-    if (!holdsVotes) {
-        comms_.dropFromBuffer(comms_.txt_data());
+    // The buffer was emptied when this text was read: what it holds now arrived during
+    // the pass (a settings reply asked for by the block itself) and is the next pass's.
+    if (!holdsVotes)
         return;
-    }
     if (comms_.voteStartTimer == 0)
         comms_.voteStartTimer = float(ctx_.clock->secondsSinceMidnight());
     if (comms_.livePaused) {

@@ -2,6 +2,7 @@
 #include "foundation/event_pump.h"
 #include "support/qt_print.h"
 #include "vote/forms.h"
+#include "vote/vote_close.h"
 
 #include <map>
 
@@ -47,15 +48,34 @@ TEST_F(ControllerTest, MakeModeTalksToNobody)
 
 TEST_F(ControllerTest, ALostControllerIsFatalOnceAndLaterSendsAreDropped)
 {
+    tallix::testing::ExpectErrorReports reports;
     link.failSends = true;
     EXPECT_THROW(comms.SendCommandToController("options=4"), ProcessExit);
     EXPECT_TRUE(comms.linkLost);
     EXPECT_EQ(exits, 1);
-    EXPECT_TRUE(run.errLog().contains("Procedure: SendCommandToController"));
-    // The shut-down's own EndVote was dropped rather than failing again, and so is this.
+    // The shut-down ran to its end: its own EndVote was dropped rather than failing again.
+    ASSERT_EQ(reports.count(), 1) << reports.all().toStdString();
+    EXPECT_TRUE(reports.all().contains("Procedure: SendCommandToController"));
+    EXPECT_TRUE(tag("tlxActivity").isEmpty()); // a step after that send
+    EXPECT_TRUE(link.sent.isEmpty());
+    // And so is every later send.
     comms.EndVote();
     EXPECT_EQ(ctx.voteEnded, 1);
     EXPECT_EQ(exits, 1);
+    EXPECT_EQ(reports.count(), 1);
+}
+
+TEST_F(ControllerTest, TheShutDownDeletesTheTaskThenEndsTheVoteInOneText)
+{
+    for (const char* action : {"TLXVOTE", "TLXRESHOW"}) {
+        link.sent.clear();
+        ctx.arg1 = action;
+        EXPECT_THROW(FullShutDown(ctx), ProcessExit);
+        // A reshow opened no vote, so it has none to close.
+        EXPECT_EQ(link.sent, QString(action) == "TLXVOTE" ? QStringList({"DeleteTask=Vote,Voting...\r\nEndVote"})
+                                                          : QStringList())
+            << action;
+    }
 }
 
 TEST_F(ControllerTest, ControllerTextIsAppendedAndDecodedAtTheNextPump)

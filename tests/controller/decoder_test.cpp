@@ -91,10 +91,11 @@ TEST_F(ControllerTest, AKeypadZeroLineAloneIsNotVoteDataButWithAGoodLineIsFatal)
     feed("[0;2],\r\n");
     EXPECT_EQ(ctx.votesCast, 0);
     EXPECT_EQ(exits, 0);
+    tallix::testing::ExpectErrorReports reports;
     EXPECT_THROW(feed("[1;2],\r\n[0;2],\r\n"), ProcessExit);
-    EXPECT_EQ(exits, 1);
+    expectFatal(reports, "txt_data_Change");
+    EXPECT_TRUE(reports.all().contains("Module: comms\r\nProcedure: txt_data_Change"));
     EXPECT_EQ(vote(1), "2"); // the good line went through first
-    EXPECT_TRUE(run.errLog().contains("Module: comms\r\nProcedure: txt_data_Change"));
     EXPECT_FALSE(comms.decoderBusy);
 }
 
@@ -280,11 +281,15 @@ TEST_F(ControllerTest, SettingsBlockSetsTheRoomAndEndsTheWait)
     EXPECT_EQ(ctx.BaseType, "kboard");
 }
 
+const QString kTwoBasesAndASpare = QStringLiteral(
+    "BASETYPE=TALLIX\r\nOFFSET=0,100,1,3,False\r\nOFFSET=2,0,4,6,True\r\nOFFSET=1,200,9,8,False\r\n"
+    "MAXKEYPADS=10\r\n");
+
 TEST_F(ControllerTest, OffsetLinesBuildTheKeypadTable)
 {
+    ctx.oPres->GetTags()->Add("ActiveKeypads", "101,103,5");
     ctx.activeKeypads = QStringList({"101", "103", "5"});
-    feed("BASETYPE=TALLIX\r\nOFFSET=0,100,1,3,False\r\nOFFSET=2,0,4,6,True\r\nOFFSET=1,200,9,8,False\r\n"
-         "MAXKEYPADS=10\r\n");
+    feed(kTwoBasesAndASpare);
     EXPECT_EQ(ctx.allKeypadsText, "101,102,103,");
     ASSERT_EQ(ctx.keypadRows.ubound(), 1);
     EXPECT_EQ(ctx.keypadRows(0), "1,100,0");
@@ -292,6 +297,39 @@ TEST_F(ControllerTest, OffsetLinesBuildTheKeypadTable)
     EXPECT_EQ(ctx.baseOffsets.ubound(), 2);
     EXPECT_EQ(ctx.baseOffsets(1), 200);
     EXPECT_EQ(ctx.baseOffsets(2), 0);
+    // A presentation that has its list keeps it.
+    EXPECT_EQ(tag("ActiveKeypads"), "101,103,5");
+    EXPECT_FALSE(link.sent.contains("ReadActiveKeypads"));
+}
+
+// A presentation with no record of its active keypads takes every keypad of every base
+// in use, tells the controller, and asks for the table again with the new list.
+TEST_F(ControllerTest, WithNoActiveKeypadsTagEveryKeypadOfTheBasesInUseIsActive)
+{
+    ctx.activeKeypads = QStringList({"101"});
+    // The controller answers at once, and a keypad votes meanwhile: both arrive while the
+    // block's own pass runs, and neither is lost.
+    link.onCommand = [this](const QString& c) {
+        if (c == "ReadActiveKeypads")
+            comms.oTLx_FromTLXCtrl("[102;2],\r\n");
+        if (c == "BaseInfo")
+            comms.oTLx_FromTLXCtrl("BASETYPE=TALLIX\r\nOFFSET=0,100,1,3,False\r\nMAXKEYPADS=7\r\n");
+    };
+    ctx.keypadUniverse = 103;
+    ResetVoteArrays(ctx);
+    feed(kTwoBasesAndASpare);
+    run.t.pump.DoEvents();
+    EXPECT_EQ(ctx.BaseType, "TALLIX");
+    EXPECT_EQ(ctx.maxKeypads, 7);
+    EXPECT_EQ(vote(102), "2");
+    ASSERT_EQ(ctx.keypadRows.ubound(), 2); // built again with the new list
+    EXPECT_EQ(ctx.keypadRows(1), "2,100,0");
+    EXPECT_EQ(tag("ActiveKeypads"), "101,102,103");
+    EXPECT_EQ(ctx.activeKeypads, QStringList({"101", "102", "103"}));
+    const qsizetype told = link.sent.indexOf("ReadActiveKeypads");
+    ASSERT_GE(told, 0) << link.sent.join(" / ").toStdString();
+    EXPECT_EQ(link.extras[told].value("activeKeypads").toString(), "101,102,103");
+    EXPECT_EQ(link.sent.indexOf("BaseInfo", told), told + 1);
 }
 
 class NoBaseSendsThis : public ControllerTest, public ::testing::WithParamInterface<const char*> {};
@@ -299,7 +337,9 @@ class NoBaseSendsThis : public ControllerTest, public ::testing::WithParamInterf
 // Text no base sends ends the run with an error report: never a hang or a crash.
 TEST_P(NoBaseSendsThis, IsFatal)
 {
+    tallix::testing::ExpectErrorReports reports;
     EXPECT_THROW(feed(GetParam()), ProcessExit);
+    expectFatal(reports, "txt_data_Change");
 }
 
 INSTANTIATE_TEST_SUITE_P(Texts, NoBaseSendsThis,
@@ -311,6 +351,7 @@ INSTANTIATE_TEST_SUITE_P(Texts, NoBaseSendsThis,
 
 TEST_F(ControllerTest, AnEmptyActiveListBuildsNoRows)
 {
+    ctx.oPres->GetTags()->Add("ActiveKeypads", ",");
     ctx.activeKeypads = QStringList({""});
     feed("BASETYPE=TALLIX\r\nOFFSET=0,0,1,3,False\r\n");
     EXPECT_EQ(ctx.allKeypadsText, "1,2,3,");

@@ -5,6 +5,8 @@
 #include "controller/socket_controller_link.h"
 #include "foundation/clock.h"
 #include "foundation/event_pump.h"
+#include "host/deck_host.h"
+#include "support/error_reports.h"
 #include "support/test_context.h"
 
 #include <QDeadlineTimer>
@@ -27,12 +29,18 @@ protected:
     RunContext& ctx = run.ctx;
     SystemClock clock;
     QtEventPump pump;
+    host::MemoryHost ppt{1};
     SocketControllerLink link;
     std::unique_ptr<Comms> comms;
     int exits = 0;
 
     void SetUp() override
     {
+        ctx.oPPT = &ppt;
+        ctx.oPres = ppt.ActivePresentation();
+        ctx.currentSlide = 1;
+        ctx.arg1 = QStringLiteral("TLXVOTE");
+        ctx.oPres->GetTags()->Add("tlxActivity", "1");
         tallix::testing::TestServices::write(
             dir.filePath("tlxctrl.ini"), "[Controller]\nMaxKeypads=10\n[Base0]\nType=TALLIX\nLow=1\nHigh=10\n");
         ctx.clock = &clock;
@@ -107,6 +115,8 @@ TEST_F(RealController, ScriptedRecordsLandInVotes)
     EXPECT_EQ(ctx.votes(1), "3");
     EXPECT_EQ(ctx.votes(2), "-1"); // 9 is beyond four options
     EXPECT_EQ(ctx.votes(3), "1");
+    // The room had no active-keypads record: every keypad of the base is active now.
+    EXPECT_EQ(ctx.oPres->GetTags()->Item("ActiveKeypads"), "1,2,3,4,5,6,7,8,9,10");
     comms->EndVote();
     EXPECT_EQ(exits, 0);
 }
@@ -123,10 +133,14 @@ TEST_F(RealController, AControllerThatDiesMidVoteEndsTheRunWithAReport)
     ASSERT_TRUE(pumpUntil([&] { return ctx.votesCast == 1; }));
     ASSERT_TRUE(controller.waitForFinished(3000));
     pumpUntil([&] { return !link.connected(); }, 2000);
+    tallix::testing::ExpectErrorReports reports;
     EXPECT_THROW(comms->SendCommandToController("VOTE-STATUS:Votes Cast: 1"), ProcessExit);
     EXPECT_EQ(exits, 1);
     EXPECT_TRUE(comms->linkLost);
-    EXPECT_TRUE(run.errLog().contains("Procedure: SendCommandToController"));
+    // One report, and the shut-down ran to its end past its own dropped send.
+    ASSERT_EQ(reports.count(), 1) << reports.all().toStdString();
+    EXPECT_TRUE(reports.all().contains("Procedure: SendCommandToController"));
+    EXPECT_TRUE(ctx.oPres->GetTags()->Item("tlxActivity").isEmpty());
 }
 
 } // namespace
