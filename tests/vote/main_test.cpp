@@ -1,5 +1,8 @@
 #include "foundation/host.h"
+#include "foundation/vb_error.h"
+#include "host/deck.h"
 #include "host/deck_host.h"
+#include "support/error_reports.h"
 #include "support/fake_forms.h"
 #include "support/qt_print.h"
 #include "support/test_context.h"
@@ -11,6 +14,7 @@
 #include <gtest/gtest.h>
 
 using namespace tallix;
+using tallix::testing::ExpectErrorReports;
 using tallix::testing::FakeForms;
 using tallix::testing::TestRun;
 
@@ -157,6 +161,129 @@ TEST_F(StartUp, OldChartsAreHiddenBeforeTheVote)
     old->SetName("tallix chart");
     launch("TLXVOTE,2");
     EXPECT_FALSE(old->Visible());
+}
+
+// A host that fails where start-up asks for the add-in's folder.
+class FailingAddInHost final : public host::MemoryHost {
+public:
+    using MemoryHost::MemoryHost;
+    QString AddInPath(const QString&) const override { throw VbError(91, "Object variable not set"); }
+};
+
+TEST_F(StartUp, ARuntimeErrorInStartUpIsReportedAndEndsTheProcess)
+{
+    ppt = std::make_unique<FailingAddInHost>(3, config);
+    ctx.oPPT = ppt.get();
+    ctx.oPres = ppt->ActivePresentation();
+    slide(2)->GetTags()->Add("tlxVote", kFourOptions);
+    ExpectErrorReports reports;
+    launch("TLXVOTE,2");
+    EXPECT_EQ(exits, 1);
+    ASSERT_EQ(reports.count(), 1);
+    EXPECT_TRUE(reports.all().contains("Main")) << reports.all().toStdString();
+    EXPECT_FALSE(forms.link.sent.contains("GetVoteInfo"));
+}
+
+TEST_F(StartUp, ARuntimeErrorInTheDriverIsReportedAndEndsTheProcess)
+{
+    slide(2)->GetTags()->Add("tlxVote", kFourOptions);
+    // No base answers, so the driver waits for one; the wait fails a second in.
+    forms.link.onCommand = nullptr;
+    double asked = -1;
+    run.t.pump.setHook([&] {
+        const double now = run.t.clock.secondsSinceMidnight();
+        if (asked < 0 && forms.link.sent.contains("StartFrom=1"))
+            asked = now;
+        if (asked >= 0 && now - asked > 1.0)
+            throw VbError(5, "Invalid procedure call or argument");
+    });
+    ExpectErrorReports reports;
+    launch("TLXVOTE,2");
+    EXPECT_EQ(exits, 1);
+    ASSERT_EQ(reports.count(), 1);
+    EXPECT_TRUE(reports.all().contains("execVote")) << reports.all().toStdString();
+    EXPECT_FALSE(forms.link.sent.contains("StartVote"));
+}
+
+// A table named `name` with these rows, pasted on slide 2 of `deck` at (10, 20) points.
+void addTable(host::Deck& deck, const QString& name, const QList<QStringList>& rows)
+{
+    QString xml = QStringLiteral(
+        "<w xmlns:p=\"http://schemas.openxmlformats.org/presentationml/2006/main\" "
+        "xmlns:a=\"http://schemas.openxmlformats.org/drawingml/2006/main\">"
+        "<p:graphicFrame><p:nvGraphicFramePr><p:cNvPr id=\"1\" name=\"%1\"/><p:cNvGraphicFramePr/><p:nvPr/>"
+        "</p:nvGraphicFramePr><p:xfrm><a:off x=\"127000\" y=\"254000\"/><a:ext cx=\"2540000\" cy=\"508000\"/></p:xfrm>"
+        "<a:graphic><a:graphicData uri=\"http://schemas.openxmlformats.org/drawingml/2006/table\"><a:tbl><a:tblGrid>")
+                      .arg(name);
+    for (qsizetype c = 0; c < rows[0].size(); ++c)
+        xml += "<a:gridCol w=\"1270000\"/>";
+    xml += "</a:tblGrid>";
+    for (const QStringList& row : rows) {
+        xml += "<a:tr h=\"254000\">";
+        for (const QString& cell : row)
+            xml += "<a:tc><a:txBody><a:bodyPr/><a:lstStyle/><a:p>" +
+                   (cell.isEmpty() ? QString() : "<a:r><a:t>" + cell + "</a:t></a:r>") +
+                   "</a:p></a:txBody><a:tcPr/></a:tc>";
+        xml += "</a:tr>";
+    }
+    xml += "</a:tbl></a:graphicData></a:graphic></p:graphicFrame></w>";
+    host::Clip clip;
+    clip.xml = xml.toUtf8();
+    host::Op paste;
+    paste.kind = host::Op::Paste;
+    paste.slideId = deck.slideIdAt(2);
+    paste.name = name;
+    deck.apply(paste, &clip);
+}
+
+const QString kObjectVote = QStringLiteral(
+    "<tlxfile><vote_info><vType>0</vType><options>3</options><startFrom>1</startFrom></vote_info>"
+    "<graph_info><GraphType>6</GraphType></graph_info><tlx_object1><Top>99</Top></tlx_object1></tlxfile>");
+
+class ObjectVoteStart : public StartUp {
+protected:
+    // Options whose "tlx_object" table is in `present` carry a result of an earlier run.
+    void prepare(const QList<int>& present)
+    {
+        host::Deck deck = host::Deck::blank(3);
+        addTable(deck, "tlx_answers", {{"Red", "r"}, {"Green", "g"}, {"Blue", "b"}});
+        for (int n : present)
+            addTable(deck, QStringLiteral("tlx_object%1").arg(n), {{"Option", "(2) 50%"}, {"x", "y"}});
+        ppt = std::make_unique<host::MemoryHost>(std::move(deck), config);
+        ctx.oPPT = ppt.get();
+        ctx.oPres = ppt->ActivePresentation();
+        slide(2)->GetTags()->Add("tlxVote", kObjectVote);
+        launch("TLXVOTE,2");
+    }
+    QString cell(const QString& shape, int row, int column)
+    {
+        return slide(2)->GetShapes()->Item(shape)->GetTable()->Cell(row, column)->Text();
+    }
+};
+
+TEST_F(ObjectVoteStart, ClearsEachOptionsOwnResultAndKeepsTheAnswers)
+{
+    prepare({1, 2, 3});
+    for (const char* shape : {"tlx_object1", "tlx_object2", "tlx_object3"}) {
+        EXPECT_EQ(cell(shape, 1, 2), "") << shape;
+        EXPECT_EQ(cell(shape, 1, 1), "Option") << shape;
+        EXPECT_EQ(cell(shape, 2, 2), "y") << shape;
+    }
+    for (int row = 1; row <= 3; ++row)
+        EXPECT_FALSE(cell("tlx_answers", row, 2).isEmpty()) << row;
+    // The shape's place, moved since the settings were written, goes back into them.
+    EXPECT_TRUE(slide(2)->GetTags()->Item("TLXVOTE").contains("<Top>20</Top>"))
+        << slide(2)->GetTags()->Item("TLXVOTE").toStdString();
+}
+
+TEST_F(ObjectVoteStart, AMissingShapeEndsThePassAndTheStartGoesOn)
+{
+    // One handler for the whole pass: after option 2's missing shape nothing more is
+    // cleared, and start-up carries on to the driver.
+    prepare({1, 3});
+    EXPECT_EQ(cell("tlx_object1", 1, 2), "");
+    EXPECT_EQ(cell("tlx_object3", 1, 2), "(2) 50%");
+    EXPECT_TRUE(forms.link.sent.contains("GetVoteInfo"));
 }
 
 TEST(KeypadDisplayText, LettersNumbersAndAbstain)
