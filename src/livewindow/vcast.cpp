@@ -424,6 +424,31 @@ void vCastForm::PlaceOverShow(float topFraction, float leftFraction)
         view_.setWindowRect(r);
 }
 
+void vCastForm::SetProgressValue(int value)
+{
+    progressValue_ = value;
+    if (progressShown_)
+        view_.setProgress(progressMax_, value, true);
+}
+
+void vCastForm::ShowAllRunProgress(int slides)
+{
+    // Loading already shows the window, so only the strip itself says whether it is
+    // up: the later passes of the run leave it where it is.
+    if (progressShown_)
+        return;
+    // Placed by its own size first, then made a thin strip half the screen wide.
+    WindowRect r = AlignWindowToPPTSlideShow(ctx_, view_.windowRect(), AlignByFraction, 0.5f, 0.25f, -1, -1);
+    r.Right = r.Left + Desktop().desktop.width() / 2;
+    r.Bottom = r.Top + 200 / 15;
+    view_.setWindowRect(r);
+    progressMax_ = slides;
+    progressValue_ = 1;
+    progressShown_ = true;
+    view_.setProgress(progressMax_, progressValue_, true);
+    view_.showWindow();
+}
+
 void vCastForm::SetPausedVisible(bool on) { view_.setPausedVisible(on); }
 void vCastForm::EnablePauseTimer(bool on) { tmrCDownPause_->setEnabled(on); }
 

@@ -54,7 +54,8 @@ public:
     void BringToFront() override;
     void DisableRevoteTimers() override;
     void StartKeypadsNotVotedCheck() override;
-    void SetProgressValue(int value) override { progressValue_ = value; }
+    void SetProgressValue(int value) override;
+    void ShowAllRunProgress(int slides) override;
     void SetCaptionText(const QString& text) override;
     bool ApplySkin(const QString& file) override;
     void SetLabelFontSizes(int counter, int caption) override;
@@ -137,6 +138,8 @@ private:
     int barWidth_ = 0;
     bool tickBusy_ = false;
     int progressValue_ = 0;
+    int progressMax_ = 0;
+    bool progressShown_ = false;
     bool skinned_ = false;
 };
 

@@ -22,6 +22,8 @@ public:
     virtual void setCaptionVisible(bool on) = 0;
     // The progress bar, 0 to 1800 twips wide.
     virtual void setBar(int widthTwips, bool visible) = 0;
+    // `PBar`: the progress of an ALL run, drawn over the whole window.
+    virtual void setProgress(int maximum, int value, bool visible) = 0;
     virtual int indicatorCount() const = 0;
     virtual qint32 indicatorColour(int index) const = 0;
     virtual void setIndicatorColour(int index, qint32 bgr) = 0;

@@ -67,6 +67,9 @@ public:
     // 500 ms later the keypads-not-voted refresh runs again with force off.
     virtual void StartKeypadsNotVotedCheck() {}
     virtual void SetProgressValue(int) {}
+    // The window as the progress of an ALL run over `slides` slides, unless it
+    // already is.
+    virtual void ShowAllRunProgress(int /*slides*/) {}
 
     // --- Dressing before a vote.
     virtual void SetCaptionText(const QString&) {}

@@ -264,7 +264,8 @@ void FullShutDown(RunContext& ctx)
         }
         if (ctx.arg5 == "ALL" && ctx.oPPT)
             ctx.oPPT->Run("nowExpandAllCharts");   // committed just above
-        RemoveObjectsAutomaticallyAddedByPPT(ctx, SlideAt(ctx, ctx.currentSlide));
+        // Errors ignored, finding the slide included: the rest of the shutdown must run.
+        IgnoringErrors([&] { RemoveObjectsAutomaticallyAddedByPPT(ctx, SlideAt(ctx, ctx.currentSlide)); });
         if (ctx.arg1 != "TLXRESHOW" && ctx.comms)
             ctx.comms->SendCommandToController("DeleteTask=Vote,Voting...\r\nEndVote");
         try {

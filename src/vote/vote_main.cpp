@@ -89,8 +89,10 @@ void deleteRatingShapes(RunContext& ctx)
     }
 }
 
-// Object votes keep each option's shape position in the document; a result of an
-// earlier run in the answers table is cleared.
+// Object votes keep each option's shape position in the document, and the result an
+// earlier run left in the option's own table (row 1, last cell) is cleared. The answers
+// table carries the texts the controller is sent and is never touched. The pass has
+// one handler: its first failure (a missing shape, a shape with no table) ends it.
 void prepareObjectVote(RunContext& ctx)
 {
     const qint64 t0 = ctx.clock->perfCounter();
@@ -106,18 +108,14 @@ void prepareObjectVote(RunContext& ctx)
                 XMLSetSingleNode(ctx, name, "Width", shape->Width());
                 XMLSetSingleNode(ctx, name, "Height", shape->Height());
             }
-            if (host::Shape* answers = ShapeNamed(slide, "tlx_answers"); answers && answers->HasTable()) {
-                host::Table* table = answers->GetTable();
-                if (i <= table->RowCount()) {
-                    host::TextFrame* cell = table->Cell(i, table->ColumnCount());
-                    if (cell->Length() > 0)
-                        cell->SetText(QString());
-                }
-            }
+            host::Table* table = shape->GetTable();
+            host::TextFrame* cell = table->Cell(1, table->ColumnCount());
+            if (cell->Length() > 0)
+                cell->SetText(QString());
         }
+        log(ctx, "Object Vote Hide results", since(ctx, t0));
+        SaveXMLtoPPTSlide(ctx, settingsDocOf(ctx), 0);
     });
-    log(ctx, "Object Vote Hide results", since(ctx, t0));
-    SaveXMLtoPPTSlide(ctx, settingsDocOf(ctx), 0);
 }
 
 // A former vote process may still be closing: ask it to go, for at most a second.
@@ -315,8 +313,11 @@ void Main(RunContext& ctx)
         }
 
         log(ctx, "Check vCast");
-        if (ctx.arg5 == "ALL" && ctx.forms && !ctx.forms->IsLoaded(FormName::vCast)) {
-            ctx.forms->Load(FormName::vCast);
+        if (ctx.arg5 == "ALL" && ctx.forms) {
+            if (!ctx.forms->IsLoaded(FormName::vCast))
+                ctx.forms->Load(FormName::vCast);
+            if (ctx.vCast)
+                ctx.vCast->ShowAllRunProgress(ctx.oPres->GetSlides()->Count());
             log(ctx, "vCast Loaded");
         }
         if (!ctx.makeMode && ctx.forms) {

@@ -28,6 +28,7 @@ public:
     int captionTextWidth(const QString& t, int s) const override { return int(t.size() * s / 2); }
     void setCaptionVisible(bool on) override { captionVisible = on; }
     void setBar(int w, bool v) override { barTwips = w, barVisible = v; }
+    void setProgress(int m, int v, bool on) override { progressMax = m, progress = v, progressVisible = on; }
     int indicatorCount() const override { return 3; }
     qint32 indicatorColour(int i) const override { return colours.count(i) ? colours.at(i) : 0; }
     void setIndicatorColour(int i, qint32 c) override { colours[i] = c; }
@@ -46,7 +47,8 @@ public:
     void raiseAndFocus() override {}
 
     QString counter, caption;
-    int counterSize = 0, captionSize = 0, barTwips = 0;
+    int counterSize = 0, captionSize = 0, barTwips = 0, progressMax = 0, progress = 0;
+    bool progressVisible = false;
     bool counterVisible = false, captionVisible = false, barVisible = false, paused = false, busy = false;
     bool visible = false;
     double opacity = 1;

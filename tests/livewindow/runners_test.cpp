@@ -1,7 +1,9 @@
 #include "live_fixture.h"
 
 #include "vote/graph_runners.h"
+#include "livewindow/window_placement.h"
 #include "vote/vote_close.h"
+#include "vote/vote_main.h"
 #include "vote/votes_cast_boxes.h"
 
 using namespace tallix;
@@ -204,4 +206,19 @@ TEST_F(LiveVoteTest, AutoAdvanceMovesOnFromTheResultWithoutAKey)
     EXPECT_EQ(exits, 1);
     EXPECT_EQ(result.placed, std::vector<short>{-1});
     EXPECT_TRUE(sent("NEXTSLIDE,2"));
+}
+
+TEST_F(LiveVoteTest, AnAllRunShowsItsProgressAsAStripOverTheShow)
+{
+    forms.Unload(FormName::vCast);
+    ctx.commandLine = "TLXVOTE,ALL";
+    // No slide holds a question: each pass ends at once and chains the next.
+    EXPECT_TRUE(endsProcess([&] { Main(ctx); }));
+    EXPECT_TRUE(view().visible);
+    EXPECT_TRUE(view().progressVisible);
+    EXPECT_EQ(view().progressMax, 3);
+    EXPECT_EQ(view().progress, 3);
+    // A quarter in and half down the show, half the screen wide and 200 twips high.
+    const WindowRect expected{480, 540, 480 + Desktop().desktop.width() / 2, 540 + 13};
+    EXPECT_EQ(view().rect, expected);
 }

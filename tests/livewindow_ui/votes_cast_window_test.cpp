@@ -4,7 +4,9 @@
 #include "livewindow/ui/keypads_not_voted_window.h"
 #include "livewindow/ui/live_window_forms.h"
 #include "livewindow/ui/votes_cast_window.h"
+#include "livewindow/window_placement.h"
 #include "support/test_context.h"
+#include "vote/votes_cast_boxes.h"
 
 #include <QCoreApplication>
 #include <QImage>
@@ -73,17 +75,40 @@ TEST_F(VotesCastWindowTest, CountUpShowsTheCountCaptionBarAndBases)
     save(w, "vcast-count-up.png");
 }
 
-TEST_F(VotesCastWindowTest, CountDownShowsTheSecondsLeft)
+TEST_F(VotesCastWindowTest, CountDownShowsTheSecondsLeftAsTheClockRuns)
 {
     ctx.vType = 1;
     ctx.TimeLeft = 8;
     VotesCastWindow w(ctx);
+    ctx.vCast = &w.form();
     w.form().SetCaptionText("Time Left");
-    w.form().SetTag("8");
-    w.form().SetCounterLabel("8", 28);
+    PrepareVotesCastWindow(ctx);
     w.show();
+    run.t.clock.advanceMs(20);
     EXPECT_EQ(w.form().CounterCaption(), "8");
+    const QImage atEight = w.grab().toImage();
     save(w, "vcast-count-down.png");
+    run.t.clock.advanceMs(3000);
+    EXPECT_EQ(w.form().CounterCaption(), "5");
+    EXPECT_NE(w.grab().toImage(), atEight);
+    ctx.vCast = nullptr;
+}
+
+TEST_F(VotesCastWindowTest, AnAllRunDrawsItsProgressOverTheWholeStrip)
+{
+    Desktop().desktop = {0, 0, 1600, 900};
+    VotesCastWindow w(ctx);
+    w.show();   // loading shows the window; the strip still takes it over
+    w.form().ShowAllRunProgress(4);
+    w.form().SetProgressValue(2);
+    EXPECT_EQ(w.size(), QSize(800, 13));
+    const QImage img = w.grab().toImage();
+    const QColor done = img.pixelColor(img.width() / 4, img.height() / 2);
+    const QColor left = img.pixelColor(img.width() * 3 / 4, img.height() / 2);
+    EXPECT_NE(done, left);
+    // Half done: the edge of the bar lies in the middle.
+    EXPECT_EQ(img.pixelColor(img.width() / 2 - 2, img.height() / 2), done);
+    EXPECT_EQ(img.pixelColor(img.width() / 2 + 2, img.height() / 2), left);
 }
 
 TEST_F(VotesCastWindowTest, KeysReachTheFormAsKeyDownThenKeyPress)

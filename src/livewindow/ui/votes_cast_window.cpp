@@ -128,6 +128,14 @@ void VotesCastWindow::setBar(int widthTwips, bool visible)
     update();
 }
 
+void VotesCastWindow::setProgress(int maximum, int value, bool visible)
+{
+    progressMax_ = maximum;
+    progressValue_ = value;
+    progressVisible_ = visible;
+    update();
+}
+
 qint32 VotesCastWindow::indicatorColour(int index) const
 {
     return index >= 0 && index < indicatorCount() ? indicators_[size_t(index)].colour : 0;
@@ -200,6 +208,14 @@ void VotesCastWindow::paintEvent(QPaintEvent*)
     QPainter p(this);
     p.setRenderHint(QPainter::Antialiasing);
     const QRectF all = rect();
+    if (progressVisible_) {
+        // The progress of an ALL run fills the whole window and nothing else shows.
+        p.fillRect(all, QColor(12, 20, 40));
+        QRectF done = all;
+        done.setWidth(progressMax_ > 0 ? all.width() * std::clamp(progressValue_, 0, progressMax_) / progressMax_ : 0);
+        p.fillRect(done, fromBgr(0xFF0000).lighter(130));
+        return;
+    }
     QColor text = Qt::white;
     QColor soft(210, 222, 240);
     if (!skin_.isNull()) {

@@ -34,6 +34,7 @@ public:
     int captionTextWidth(const QString& text, int fontSize) const override;
     void setCaptionVisible(bool on) override;
     void setBar(int widthTwips, bool visible) override;
+    void setProgress(int maximum, int value, bool visible) override;
     int indicatorCount() const override { return int(indicators_.size()); }
     qint32 indicatorColour(int index) const override;
     void setIndicatorColour(int index, qint32 bgr) override;
@@ -78,6 +79,9 @@ private:
     bool captionVisible_ = true;
     int barTwips_ = 0;
     bool barVisible_ = false;
+    int progressMax_ = 0;
+    int progressValue_ = 0;
+    bool progressVisible_ = false;
     std::vector<Indicator> indicators_;
     int indicatorsTop_ = 65;
     bool paused_ = false;
