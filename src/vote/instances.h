@@ -10,6 +10,8 @@ public:
     virtual bool PrevInstance() = 0;
     // Asks every other vote process to close, as closing its main window would.
     virtual void CloseOthers() = 0;
+    // From now on this process answers the others, and a later vote may close it.
+    virtual void StartAnswering() {}
 };
 
 } // namespace tallix

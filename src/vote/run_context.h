@@ -25,6 +25,9 @@ struct RunContext : Services, RunState {
     // Writes the presentation's pending changes to the deck (where the result must not
     // be lost); a host without a file has nothing to do.
     std::function<void()> CommitPresentation;
+    // Takes in what another process committed since the deck was loaded, keeping this
+    // process's pending changes.
+    std::function<void()> ReloadPresentation;
 };
 
 // Makes `votes`, `votesBackup` and `voteTimes` new at 0..keypadUniverse, filled with

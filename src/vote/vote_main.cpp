@@ -118,18 +118,26 @@ void prepareObjectVote(RunContext& ctx)
     });
 }
 
-// A former vote process may still be closing: ask it to go, for at most a second.
+// A former vote process may still be running: ask it to go, for at most a second.
+// Whether it has recorded its end is its own answer; the deck file's tag is never
+// asked, since another process's uncommitted delete leaves it stale.
 void closeFormerInstance(RunContext& ctx)
 {
-    if (!ctx.instances || ctx.internalRestart || !ReadVoteEnd(ctx).isEmpty() || !ctx.instances->PrevInstance())
+    if (!ctx.instances)
         return;
-    const double start = ctx.clock->secondsSinceMidnight();
-    while (ctx.instances->PrevInstance() && ctx.clock->secondsSinceMidnight() - start < 1.0) {
-        CheckStillOnSlide(ctx);
-        log(ctx, "CLOSING APPLICATION: Vote");
-        ctx.instances->CloseOthers();
-        ctx.pump->WaitForEvents(20);
+    if (!ctx.internalRestart && ctx.instances->PrevInstance()) {
+        const double start = ctx.clock->secondsSinceMidnight();
+        while (ctx.instances->PrevInstance() && ctx.clock->secondsSinceMidnight() - start < 1.0) {
+            CheckStillOnSlide(ctx);
+            log(ctx, "CLOSING APPLICATION: Vote");
+            ctx.instances->CloseOthers();
+            ctx.pump->WaitForEvents(20);
+        }
+        // It may have written the deck on its way out.
+        if (ctx.ReloadPresentation)
+            ctx.ReloadPresentation();
     }
+    ctx.instances->StartAnswering();
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include "support/fake_forms.h"
 #include "support/qt_print.h"
 #include "support/test_context.h"
+#include "vote/instances.h"
 #include "vote/vote_driver.h"
 #include "vote/vote_main.h"
 
@@ -162,6 +163,70 @@ TEST_F(StartUp, OldChartsAreHiddenBeforeTheVote)
     launch("TLXVOTE,2");
     EXPECT_FALSE(old->Visible());
 }
+
+// Other vote processes: one that goes after `goesAfter` close requests (never if -1).
+class FakeInstances final : public VoteInstances {
+public:
+    bool PrevInstance() override { return alive; }
+    void CloseOthers() override
+    {
+        ++closes;
+        if (goesAfter >= 0 && closes >= goesAfter)
+            alive = false;
+    }
+    void StartAnswering() override { answeringAfterCloses = closes; ++answering; }
+    bool alive = true;
+    int goesAfter = 1;
+    int closes = 0, answering = 0, answeringAfterCloses = -1;
+};
+
+struct SecondInstanceCase {
+    const char* name;
+    bool formerAlive;
+    int goesAfter;
+    bool internalRestart;
+    bool closeAsked;
+    double wait;   // seconds start-up spends waiting for it to go
+};
+
+class SecondInstance : public StartUp, public ::testing::WithParamInterface<SecondInstanceCase> {};
+
+TEST_P(SecondInstance, AFormerVoteIsAskedToGoWhateverTheDeckSays)
+{
+    const SecondInstanceCase& c = GetParam();
+    FakeInstances others;
+    others.alive = c.formerAlive;
+    others.goesAfter = c.goesAfter;
+    ctx.instances = &others;
+    ctx.internalRestart = c.internalRestart;
+    slide(2)->GetTags()->Add("tlxVote", kFourOptions);
+    // An earlier vote ended with q: its reason is still in the deck.
+    ctx.oPres->GetTags()->Add("tlxVoteTerminated", "Vote finished\r\n12");
+    double firstClose = -1, lastWait = -1;
+    run.t.pump.setHook([&] {
+        if (others.closes > 0 && firstClose < 0)
+            firstClose = run.t.clock.secondsSinceMidnight();
+        if (others.closes > 0 && others.alive)
+            lastWait = run.t.clock.secondsSinceMidnight();
+    });
+    launch("TLXVOTE,2");
+    EXPECT_EQ(others.closes > 0, c.closeAsked) << c.name;
+    EXPECT_NEAR(lastWait < 0 ? 0 : lastWait - firstClose, c.wait, 0.05) << c.name;
+    // This vote answers the next one only once the former is dealt with, and runs.
+    EXPECT_EQ(others.answering, 1) << c.name;
+    EXPECT_EQ(others.answeringAfterCloses, others.closes) << c.name;
+    EXPECT_TRUE(terminated().isEmpty()) << c.name;
+    EXPECT_TRUE(forms.link.sent.contains("StartVote")) << c.name;
+    EXPECT_EQ(exits, 0) << c.name;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, SecondInstance,
+    ::testing::Values(SecondInstanceCase{"goes at once", true, 1, false, true, 0},
+                      SecondInstanceCase{"never goes: one second at most", true, -1, false, true, 1.0},
+                      SecondInstanceCase{"none running", false, 1, false, false, 0},
+                      SecondInstanceCase{"own restart", true, 1, true, false, 0}),
+    [](const auto& info) { return "Case" + std::to_string(info.index); });
 
 // A host that fails where start-up asks for the add-in's folder.
 class FailingAddInHost final : public host::MemoryHost {

@@ -215,6 +215,7 @@ int RunVoteProgram(int argc, char** argv)
     }
     ctx.oPPT = ppt.get();
     ctx.CommitPresentation = [] { ppt->Commit(); };
+    ctx.ReloadPresentation = [] { ppt->ReloadIfChanged(); };
     ctx.terminator = [](int code) {
         // The deck is written before anything else can go wrong; nothing of the vote is lost.
         const QString unsaved = ppt->Detach();
@@ -243,14 +244,16 @@ int RunVoteProgram(int argc, char** argv)
                                      }});
     RegisterProgramWindows(ctx, forms);
 
+    // Main's second-instance step starts the answering, so that two votes started
+    // together never close each other.
     static std::unique_ptr<VoteInstanceServer> instances;
     const QString folder = RuntimeFolder(ctx.env);
     if (EnsurePrivateFolder(folder).isEmpty()) {
         instances = std::make_unique<VoteInstanceServer>(
             folder, ctx.app.processId, [] { return ctx.voteEndRecorded || !ctx.voteRunning; },
             [] { QTimer::singleShot(0, [] { FullShutDown(ctx); }); });
-        if (instances->Listen().isEmpty())
-            ctx.instances = instances.get();
+        instances->log = [](const QString& line) { WriteDebugLog(ctx, 0, line, "Vote", "Main"); };
+        ctx.instances = instances.get();
     }
 
     static FirstKeyMark firstKey;

@@ -94,6 +94,15 @@ bool VoteInstanceServer::PrevInstance()
     return false;
 }
 
+void VoteInstanceServer::StartAnswering()
+{
+    if (server_ && server_->isListening())
+        return;
+    const QString failure = Listen();
+    if (!failure.isEmpty() && log)
+        log("Other votes cannot reach this one: " + failure);
+}
+
 void VoteInstanceServer::CloseOthers()
 {
     for (const QString& path : otherSockets())

@@ -25,6 +25,9 @@ public:
     QString Listen();
     bool PrevInstance() override;
     void CloseOthers() override;
+    void StartAnswering() override;
+
+    std::function<void(const QString&)> log;
 
 private:
     QStringList otherSockets() const;

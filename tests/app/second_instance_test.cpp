@@ -1,0 +1,144 @@
+// Two tallix-vote processes on one deck: the second closes the first, whatever the deck
+// file says about earlier votes. Real programs in real time, each bounded to seconds, in
+// folders of their own.
+
+#include "support/qt_print.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QThread>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+const QString kBin = QStringLiteral(TALLIX_BINARY_DIR "/bin/");
+
+const QByteArray kQuestion =
+    "<tlxfile><vote_info><vType>0</vType><options>4</options><startFrom>1</startFrom></vote_info>"
+    "<graph_info><GraphType>2</GraphType><GraphPlotting>0</GraphPlotting></graph_info></tlxfile>";
+
+class SecondInstance : public ::testing::Test {
+protected:
+    QTemporaryDir dir;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    QProcess controller;
+    QProcess first;
+
+    void SetUp() override
+    {
+        for (const char* d : {"xdg", "appdata/tallix", "allusers", "temp", "home"})
+            QDir(dir.path()).mkpath(d);
+        QFile::setPermissions(dir.filePath("xdg"), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        env.insert("XDG_RUNTIME_DIR", dir.filePath("xdg"));
+        env.insert("TALLIX_CONTROLLER_SOCKET", dir.filePath("xdg/controller.sock"));
+        env.insert("APPDATA", dir.filePath("appdata"));
+        env.insert("ALLUSERSPROFILE", dir.filePath("allusers"));
+        env.insert("temp", dir.filePath("temp"));
+        env.insert("HOME", dir.filePath("home"));
+        env.insert("QT_QPA_PLATFORM", "offscreen");
+        env.remove("TALLIX_DECK");
+        ASSERT_EQ(run("tallix-deck", {"new", deck(), "--slides", "3"}), 0);
+        ASSERT_EQ(run("tallix-deck", {"question", deck(), "2", "--settings", write("q.xml", kQuestion), "--answers",
+                                      "Red|Green|Blue|Yellow", "--title", "Favourite colour?"}),
+                  0);
+        controller.setProcessEnvironment(env);
+        controller.start(kBin + "tlxctrl",
+                         {"--log", dir.filePath("controller.log"), "--script", write("votes.txt", ""), "--idle-exit", "60"});
+        ASSERT_TRUE(controller.waitForStarted(3000));
+        for (int i = 0; i < 250 && !QFile::exists(dir.filePath("xdg/controller.sock")); ++i)
+            QThread::msleep(20);
+    }
+
+    void TearDown() override
+    {
+        for (QProcess* p : {&first, &controller})
+            if (p->state() != QProcess::NotRunning) {
+                p->kill();
+                p->waitForFinished(2000);
+            }
+        run("tlxctrl", {"--quit"}, 5000);
+    }
+
+    QString deck() const { return dir.filePath("deck.pptx"); }
+    QString write(const QString& name, const QByteArray& text)
+    {
+        QFile f(dir.filePath(name));
+        f.open(QIODevice::WriteOnly);
+        f.write(text);
+        return f.fileName();
+    }
+
+    int run(const QString& program, const QStringList& args, int ms = 30000)
+    {
+        QProcess p;
+        p.setProcessEnvironment(env);
+        p.start(kBin + program, args);
+        if (!p.waitForFinished(ms)) {
+            p.kill();
+            p.waitForFinished(2000);
+            return -1;
+        }
+        return p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -2;
+    }
+
+    QStringList voteArgs(const QString& script) const
+    {
+        return {"--deck", deck(), "--operator-script", script, "TLXVOTE,2"};
+    }
+
+    // True once the vote has passed its second-instance step and answers the others.
+    bool answering(const QProcess& p, int ms)
+    {
+        const QString socket = dir.filePath(QStringLiteral("xdg/tallix/vote-%1.sock").arg(p.processId()));
+        QElapsedTimer t;
+        t.start();
+        while (t.elapsed() < ms && p.state() == QProcess::Running) {
+            if (QFile::exists(socket))
+                return true;
+            QThread::msleep(20);
+        }
+        return false;
+    }
+
+    QString presentationTag(const QString& name)
+    {
+        QProcess p;
+        p.setProcessEnvironment(env);
+        p.start(kBin + "tallix-deck", {"tags", deck(), "--json"});
+        p.waitForFinished(30000);
+        return QJsonDocument::fromJson(p.readAllStandardOutput()).object().value(name.toUpper()).toString();
+    }
+};
+
+TEST_F(SecondInstance, ASecondVoteClosesTheFirstEvenAfterAnEarlierVoteEndedWithQ)
+{
+    // An earlier vote ended with q: the deck file keeps its reason, as the run did.
+    ASSERT_EQ(run("tallix-vote", voteArgs(write("quit.txt", "1 key q\n"))), 0);
+    ASSERT_TRUE(presentationTag("tlxVoteTerminated").startsWith("Vote finished\r\n"));
+
+    // The first vote stays open: its operator does nothing for a minute.
+    first.setProcessEnvironment(env);
+    first.start(kBin + "tallix-vote", voteArgs(write("idle.txt", "60 key q\n")));
+    ASSERT_TRUE(first.waitForStarted(3000));
+    ASSERT_TRUE(answering(first, 15000)) << "the first vote never got going";
+
+    QProcess second;
+    second.setProcessEnvironment(env);
+    second.start(kBin + "tallix-vote", voteArgs(write("second.txt", "8 key q\n")));
+    ASSERT_TRUE(second.waitForStarted(3000));
+    // The first goes in order while the second runs on.
+    EXPECT_TRUE(first.waitForFinished(10000)) << "two votes ran at once";
+    EXPECT_EQ(second.state(), QProcess::Running);
+    EXPECT_EQ(first.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(first.exitCode(), 0);
+    ASSERT_TRUE(second.waitForFinished(20000));
+    EXPECT_EQ(second.exitCode(), 0);
+}
+
+} // namespace
