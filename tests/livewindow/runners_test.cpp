@@ -102,6 +102,7 @@ TEST_F(LiveVoteTest, EscapeDuringAVoteEndsItWithNothingSaved)
     EXPECT_EQ(charts.charts, 0);
     EXPECT_EQ(ReadVoteEnd(ctx), "Vote finished");
     EXPECT_FALSE(ctx.AutoAdvance);
+    EXPECT_TRUE(ctx.oPres->GetSlides()->Item(2)->GetTags()->Item("TLXVOTES").isEmpty());
 }
 
 TEST_F(LiveVoteTest, HardwareStartFailureOffersRetryOrCancel)
@@ -221,4 +222,51 @@ TEST_F(LiveVoteTest, AnAllRunShowsItsProgressAsAStripOverTheShow)
     // A quarter in and half down the show, half the screen wide and 200 twips high.
     const WindowRect expected{480, 540, 480 + Desktop().desktop.width() / 2, 540 + 13};
     EXPECT_EQ(view().rect, expected);
+}
+
+TEST_F(LiveVoteTest, EscapeOnASlideWithEarlierVotesKeepsThemAndAddsNone)
+{
+    const QString earlier = "01 Nov 2026,10:00:00,1;2;3;4;\r\n";
+    host::Tags* tags = ctx.oPres->GetSlides()->Item(2)->GetTags();
+    tags->Add("TLXVOTES", earlier);
+    PrepareVotesCastWindow(ctx);
+    scriptKeys(this, run.t.pump, vcast(), {{5, '1'}, {10, 27}});
+    EXPECT_TRUE(endsProcess([&] { DoCountUpGraphVote(ctx); }));
+    EXPECT_EQ(tags->Item("TLXVOTES"), earlier);
+    EXPECT_EQ(ctx.voteCancelled, 1);
+}
+
+TEST_F(LiveVoteTest, MinusNarrowsTheKeypadsToThoseWhoVotedAndEndsTheVote)
+{
+    EXPECT_FALSE(endsProcess([&] { vcast().KeyInput('-'); }));   // no vote received yet
+    EXPECT_TRUE(ctx.oPres->GetTags()->Item("ActiveKeypads").isEmpty());
+    // Keypads 1 and 2 of the four in use vote from the keyboard base.
+    ctx.activeKeypads = QStringList{"1", "2", "3", "4"};
+    for (int key : {'2', '1'}) {
+        run.t.clock.advanceMs(2000);
+        vcast().KeyInput(key);
+    }
+    run.t.clock.advanceMs(2000);
+    EXPECT_TRUE(endsProcess([&] { vcast().KeyInput('-'); }));
+    EXPECT_EQ(ctx.oPres->GetTags()->Item("ActiveKeypads"), "1,2");
+    EXPECT_EQ(charts.charts, 1);
+}
+
+TEST_F(LiveVoteTest, PauseHoldsLiveTextAndResumeDecodesItInOrder)
+{
+    ctx.FixedFree = 1;
+    ctx.FractionalJoltTEXT = 1;
+    vcast().KeyInput('p');
+    EXPECT_TRUE(comms.livePaused);
+    EXPECT_EQ(view().counter, "Paused");
+    EXPECT_TRUE(sent("PAUSEVOTE"));
+    comms.pausedQueue = QStringList{"[4;2],", "", "[5;3],"};
+    run.t.clock.advanceMs(2000);
+    vcast().KeyInput('p');
+    EXPECT_FALSE(comms.livePaused);
+    EXPECT_TRUE(comms.pausedQueue.isEmpty());
+    EXPECT_TRUE(sent("RESUMEVOTE"));
+    EXPECT_EQ(view().counter, "2");   // the count, once votes came in
+    EXPECT_EQ(vote(4), "2");
+    EXPECT_EQ(vote(5), "3");
 }
