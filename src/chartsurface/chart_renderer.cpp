@@ -54,10 +54,11 @@ QColor Blend(const QColor& a, const QColor& b, double t)
                             float(a.blueF() + (b.blueF() - a.blueF()) * t));
 }
 
+// Codes 0 and 1 are both solid: a question's settings call 1 a solid fill, and no
+// settings value may leave a bar hollow. 2 to 7 are the hatch patterns.
 Qt::BrushStyle BrushStyleFor(int code)
 {
     switch (code) {
-    case 1: return Qt::NoBrush;
     case 2: return Qt::HorPattern;
     case 3: return Qt::VerPattern;
     case 4: return Qt::FDiagPattern;
@@ -524,8 +525,6 @@ void FillPoly(QPainter& p, const QPolygonF& poly, const QBrush& brush, const QPe
 QBrush FrontBrush(const TSeries& s, const QColor& c, const QRectF& r, bool horizontal)
 {
     const Qt::BrushStyle style = BrushStyleFor(s.BarBrush.Style);
-    if (style == Qt::NoBrush)
-        return Qt::NoBrush;
     if (style != Qt::SolidPattern)
         return QBrush(c, style);
     if (s.BarStyle == 6 || s.Gradient.Visible) {
@@ -550,9 +549,8 @@ void DrawBar(QPainter& p, const TSeries& s, const QColor& c, const BarGeom& g, b
     const QPen pen = PenFor(s.BarPen);
     const QRectF& r = g.front;
     const QPointF o = g.depth;
-    const bool clear = BrushStyleFor(s.BarBrush.Style) == Qt::NoBrush;
-    const QBrush top = clear ? QBrush(Qt::NoBrush) : QBrush(c.lighter(118));
-    const QBrush side = clear ? QBrush(Qt::NoBrush) : QBrush(c.darker(128));
+    const QBrush top(c.lighter(118));
+    const QBrush side(c.darker(128));
 
     if (s.BarStyle == 1) { // pyramid: base on the zero line, apex at the value
         QPointF b0, b1, apex;
@@ -602,17 +600,13 @@ void DrawBar(QPainter& p, const TSeries& s, const QColor& c, const BarGeom& g, b
             body.closeSubpath();
             shade = QLinearGradient(x0, 0, x1, 0);
         }
-        if (clear) {
-            p.setBrush(Qt::NoBrush);
-        } else {
-            shade.setColorAt(0, c.darker(125));
-            shade.setColorAt(0.35, c.lighter(130));
-            shade.setColorAt(1, c.darker(145));
-            p.setBrush(shade);
-        }
+        shade.setColorAt(0, c.darker(125));
+        shade.setColorAt(0.35, c.lighter(130));
+        shade.setColorAt(1, c.darker(145));
+        p.setBrush(shade);
         p.setPen(pen);
         p.drawPath(body);
-        p.setBrush(clear ? QBrush(Qt::NoBrush) : QBrush(c.lighter(108)));
+        p.setBrush(QBrush(c.lighter(108)));
         p.drawEllipse(cap);
         return;
     }
@@ -1088,11 +1082,12 @@ void DrawPie(TChartModel& m, QPainter& p, QRectF area, int si)
     }
     rx = std::max(rx, 4.0);
     ry = std::max(ry, 4.0);
-    if (s.XRadius.custom)
+    // A radius of 0 is no size at all: the pie sizes itself, as when none was set.
+    if (s.XRadius.custom && s.XRadius.value > 0)
         rx = s.XRadius.value;
     else
         s.XRadius.value = int(std::lround(rx));
-    if (s.YRadius.custom)
+    if (s.YRadius.custom && s.YRadius.value > 0)
         ry = s.YRadius.value;
     else
         s.YRadius.value = int(std::lround(ry));

@@ -606,3 +606,32 @@ TEST(ChartArray, ElementsAreMadeOnDemandAndCarryTheirIndex)
     EXPECT_FALSE(charts.Exists(2));
     EXPECT_EQ(charts.UBound(), 0);
 }
+
+namespace {
+// Share of the picture that carries colour: filled bars cover a good part of it, hollow
+// ones only their outlines.
+double ColouredShareOf(TChartModel& m)
+{
+    const QImage img = QImage::fromData(ChartPictureBytes(m, PictureFormat::BMP, kSize)).convertToFormat(QImage::Format_RGB32);
+    qint64 coloured = 0;
+    for (int y = 0; y < img.height(); ++y)
+        for (int x = 0; x < img.width(); ++x)
+            coloured += QColor(img.pixel(x, y)).hsvSaturation() > 60;
+    return double(coloured) / (double(img.width()) * img.height());
+}
+} // namespace
+
+// A settings document's fill code 1 is solid: no code leaves a bar hollow, whatever its shape.
+TEST(ChartRender, BarsOfEveryShapeAreFilledWithFillCodesZeroAndOne)
+{
+    for (const QString family : {"bar", "bar3d", "cylinder", "pyramid"})
+        for (int code : {0, 1}) {
+            TChartModel m;
+            m.setHeadlessSize(kSize);
+            samples::Build(m, family);
+            m.SERIES(0).BarBrush.Style = code;
+            m.SERIES(0).BarPen.Visible = true;
+            m.Repaint();
+            EXPECT_GT(ColouredShareOf(m), 0.08) << family.toStdString() << " with fill code " << code;
+        }
+}
