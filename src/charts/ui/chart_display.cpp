@@ -651,8 +651,12 @@ void DisplayChart(RunContext& ctx, FrmTChart& form, DisplayChartArgs& a)
             if (a.rebuild == 0 && ctx.GraphPlotting != 0 && c == 0) {
                 Step(ctx, P, [&] {
                     ::tallix::TChart& chart = form.TChart(0);
-                    if (pie) {
+                    // Only the pies measured before they grow have radii to keep; a flat donut
+                    // is never measured, sizes itself, and so must stay circled.
+                    const bool measured = pie && form.pieXRadius > 0 && form.pieYRadius > 0;
+                    if (pie)
                         chart.SERIES(0).Marks.Visible = false;
+                    if (measured) {
                         chart.SERIES(0).XRadius = form.pieXRadius;
                         chart.SERIES(0).YRadius = form.pieYRadius;
                     }
@@ -664,7 +668,7 @@ void DisplayChart(RunContext& ctx, FrmTChart& form, DisplayChartArgs& a)
                     form.Fade(255, 255);
                     chart.SERIES(0).Marks.Visible = ctx.showAsPercentOrNumber != 3;
                     if (pie) {
-                        chart.SERIES(0).Circled = false;
+                        chart.SERIES(0).Circled = !measured;
                         chart.SERIES(0).AutoMarkPosition = false;
                     }
                 });

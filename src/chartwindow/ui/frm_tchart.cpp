@@ -7,6 +7,7 @@
 #include "foundation/event_pump.h"
 #include "foundation/host.h"
 #include "foundation/logs.h"
+#include "livewindow/window_placement.h"
 #include "results/common_io.h"
 #include "vote/run_context.h"
 #include "vote/vote_close.h"
@@ -99,6 +100,12 @@ void FrmTChart::Form_Load()
         host::PageSetup page{720, 540};
         if (ctx.oPres)
             page = ctx.oPres->GetPageSetup();
+        // The slide fills the middle of the show window and black bars the rest: the window
+        // lies over the slide's picture only, so a chart keeps the shape of its chart area.
+        WindowRect picture{showRect.left(), showRect.top(), showRect.left() + showRect.width(),
+                           showRect.top() + showRect.height()};
+        if (AdjustSlideShowRECTforScreenRatio(picture, page.SlideWidth, page.SlideHeight))
+            showRect = QRect(picture.Left, picture.Top, picture.Right - picture.Left, picture.Bottom - picture.Top);
         // Slide points per show pixel, each axis on its own.
         ctx.HeightRatio = page.SlideHeight / showRect.height();
         ctx.WidthRatio = page.SlideWidth / showRect.width();
