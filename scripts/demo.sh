@@ -18,8 +18,6 @@ export XDG_RUNTIME_DIR="$demo/runtime" TALLIX_CONTROLLER_SOCKET="$demo/runtime/c
 cat > "$demo/appdata/tallix/tlx.ini" <<'INI'
 [DEBUG]
 LOGEVENTS TO FILE=1
-[TALLIX OPTIONS]
-CHART EXPORT FORMAT=PNG
 INI
 cat > "$demo/appdata/tallix/tlxctrl.ini" <<'INI'
 [Controller]
@@ -59,9 +57,18 @@ fi
 echo
 echo "Saved votes (TLXVOTES of slide 1):"
 "$bin/tallix-deck" votes "$deck" 1
-picture=$(cd "$demo" && unzip -Z1 "$deck" | grep -E '^ppt/media/.*\.png$' | tail -n 1 || true)
+picture=$(unzip -Z1 "$deck" | grep -E '^ppt/media/' | tail -n 1 || true)
 if [ -n "$picture" ]; then
-    unzip -p "$deck" "$picture" > "$demo/chart.png"
-    echo "Chart picture: $demo/chart.png"
+    unzip -p "$deck" "$picture" > "$demo/chart.${picture##*.}"
+    echo "Chart picture: $demo/chart.${picture##*.}"
 fi
 echo "Result deck:   $deck"
+
+# The question slide as LibreOffice Impress draws it, with the chart picture on it.
+if command -v soffice >/dev/null && command -v pdftoppm >/dev/null; then
+    if HOME="$demo/home" soffice -env:UserInstallation="file://$demo/office-profile" --headless --norestore \
+            --convert-to pdf --outdir "$demo" "$deck" >/dev/null 2>&1 \
+        && pdftoppm -png -r 96 -f 1 -l 1 -singlefile "$demo/demo.pdf" "$demo/slide"; then
+        echo "Slide render:  $demo/slide.png"
+    fi
+fi
