@@ -2,6 +2,7 @@
 // file says about earlier votes. Real programs in real time, each bounded to seconds, in
 // folders of their own.
 
+#include "support/program_sandbox.h"
 #include "support/qt_print.h"
 
 #include <QDir>
@@ -17,7 +18,7 @@
 
 namespace {
 
-const QString kBin = QStringLiteral(TALLIX_BINARY_DIR "/bin/");
+using tallix::testing::ProgramPath;
 
 const QByteArray kQuestion =
     "<tlxfile><vote_info><vType>0</vType><options>4</options><startFrom>1</startFrom></vote_info>"
@@ -26,65 +27,36 @@ const QByteArray kQuestion =
 class SecondInstance : public ::testing::Test {
 protected:
     QTemporaryDir dir;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    tallix::testing::ProgramSandbox box;
+    QProcessEnvironment& env = box.env;
     QProcess controller;
     QProcess first;
 
     void SetUp() override
     {
-        for (const char* d : {"xdg", "appdata/tallix", "allusers", "temp", "home"})
-            QDir(dir.path()).mkpath(d);
-        QFile::setPermissions(dir.filePath("xdg"), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        env.insert("XDG_RUNTIME_DIR", dir.filePath("xdg"));
-        env.insert("TALLIX_CONTROLLER_SOCKET", dir.filePath("xdg/controller.sock"));
-        env.insert("APPDATA", dir.filePath("appdata"));
-        env.insert("ALLUSERSPROFILE", dir.filePath("allusers"));
-        env.insert("temp", dir.filePath("temp"));
-        env.insert("HOME", dir.filePath("home"));
-        env.insert("QT_QPA_PLATFORM", "offscreen");
-        env.remove("TALLIX_DECK");
+        box.setUp(dir.path());
         ASSERT_EQ(run("tallix-deck", {"new", deck(), "--slides", "3"}), 0);
         ASSERT_EQ(run("tallix-deck", {"question", deck(), "2", "--settings", write("q.xml", kQuestion), "--answers",
                                       "Red|Green|Blue|Yellow", "--title", "Favourite colour?"}),
                   0);
-        controller.setProcessEnvironment(env);
-        controller.start(kBin + "tlxctrl",
-                         {"--log", dir.filePath("controller.log"), "--script", write("votes.txt", ""), "--idle-exit", "60"});
-        ASSERT_TRUE(controller.waitForStarted(3000));
-        for (int i = 0; i < 250 && !QFile::exists(dir.filePath("xdg/controller.sock")); ++i)
-            QThread::msleep(20);
+        ASSERT_TRUE(box.startController(controller, {"--log", dir.filePath("controller.log"), "--script",
+                                                     write("votes.txt", ""), "--idle-exit", "60"}));
     }
 
     void TearDown() override
     {
-        for (QProcess* p : {&first, &controller})
-            if (p->state() != QProcess::NotRunning) {
-                p->kill();
-                p->waitForFinished(2000);
-            }
-        run("tlxctrl", {"--quit"}, 5000);
+        if (first.state() != QProcess::NotRunning) {
+            first.kill();
+            first.waitForFinished(2000);
+        }
+        box.stopController(controller);
     }
 
     QString deck() const { return dir.filePath("deck.pptx"); }
-    QString write(const QString& name, const QByteArray& text)
+    QString write(const QString& name, const QByteArray& text) { return box.write(name, text); }
+    int run(const QString& program, const QStringList& args, int ms = 30000, QString* out = nullptr)
     {
-        QFile f(dir.filePath(name));
-        f.open(QIODevice::WriteOnly);
-        f.write(text);
-        return f.fileName();
-    }
-
-    int run(const QString& program, const QStringList& args, int ms = 30000)
-    {
-        QProcess p;
-        p.setProcessEnvironment(env);
-        p.start(kBin + program, args);
-        if (!p.waitForFinished(ms)) {
-            p.kill();
-            p.waitForFinished(2000);
-            return -1;
-        }
-        return p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -2;
+        return box.run(program, args, ms, out);
     }
 
     QStringList voteArgs(const QString& script) const
@@ -108,11 +80,9 @@ protected:
 
     QString presentationTag(const QString& name)
     {
-        QProcess p;
-        p.setProcessEnvironment(env);
-        p.start(kBin + "tallix-deck", {"tags", deck(), "--json"});
-        p.waitForFinished(30000);
-        return QJsonDocument::fromJson(p.readAllStandardOutput()).object().value(name.toUpper()).toString();
+        QString out;
+        run("tallix-deck", {"tags", deck(), "--json"}, 30000, &out);
+        return QJsonDocument::fromJson(out.toUtf8()).object().value(name.toUpper()).toString();
     }
 };
 
@@ -124,13 +94,13 @@ TEST_F(SecondInstance, ASecondVoteClosesTheFirstEvenAfterAnEarlierVoteEndedWithQ
 
     // The first vote stays open: its operator does nothing for a minute.
     first.setProcessEnvironment(env);
-    first.start(kBin + "tallix-vote", voteArgs(write("idle.txt", "60 key q\n")));
+    first.start(ProgramPath("tallix-vote"), voteArgs(write("idle.txt", "60 key q\n")));
     ASSERT_TRUE(first.waitForStarted(3000));
     ASSERT_TRUE(answering(first, 15000)) << "the first vote never got going";
 
     QProcess second;
     second.setProcessEnvironment(env);
-    second.start(kBin + "tallix-vote", voteArgs(write("second.txt", "8 key q\n")));
+    second.start(ProgramPath("tallix-vote"), voteArgs(write("second.txt", "8 key q\n")));
     ASSERT_TRUE(second.waitForStarted(3000));
     // The first goes in order while the second runs on.
     EXPECT_TRUE(first.waitForFinished(10000)) << "two votes ran at once";

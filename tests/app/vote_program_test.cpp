@@ -2,6 +2,7 @@
 // stand-in with a script, an operator script, and the deck written back. These run in
 // real time, each bounded to seconds, each in folders of its own.
 
+#include "support/program_sandbox.h"
 #include "support/qt_print.h"
 
 #include <QDir>
@@ -18,61 +19,27 @@
 
 namespace {
 
-const QString kBin = QStringLiteral(TALLIX_BINARY_DIR "/bin/");
 
 class VoteProgram : public ::testing::Test {
 protected:
     QTemporaryDir dir;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    tallix::testing::ProgramSandbox box;
+    QProcessEnvironment& env = box.env;
     QProcess controller;
 
     void SetUp() override
     {
-        for (const char* d : {"xdg", "appdata/tallix", "allusers", "temp", "home"})
-            QDir(dir.path()).mkpath(d);
-        QFile::setPermissions(dir.filePath("xdg"), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        env.insert("XDG_RUNTIME_DIR", dir.filePath("xdg"));
-        env.insert("TALLIX_CONTROLLER_SOCKET", dir.filePath("xdg/controller.sock"));
-        env.insert("APPDATA", dir.filePath("appdata"));
-        env.insert("ALLUSERSPROFILE", dir.filePath("allusers"));
-        env.insert("temp", dir.filePath("temp"));
-        env.insert("HOME", dir.filePath("home"));
-        env.insert("QT_QPA_PLATFORM", "offscreen");
-        env.remove("TALLIX_DECK");
+        box.setUp(dir.path());
         ASSERT_EQ(run("tallix-deck", {"new", deck(), "--slides", "3"}), 0);
     }
 
-    void TearDown() override
-    {
-        run("tlxctrl", {"--quit"}, 5000);
-        if (controller.state() != QProcess::NotRunning) {
-            controller.kill();
-            controller.waitForFinished(2000);
-        }
-    }
+    void TearDown() override { box.stopController(controller); }
 
     QString deck() const { return dir.filePath("deck.pptx"); }
-    QString write(const QString& name, const QByteArray& text)
-    {
-        QFile f(dir.filePath(name));
-        f.open(QIODevice::WriteOnly);
-        f.write(text);
-        return f.fileName();
-    }
-
+    QString write(const QString& name, const QByteArray& text) { return box.write(name, text); }
     int run(const QString& program, const QStringList& args, int ms = 30000, QString* out = nullptr)
     {
-        QProcess p;
-        p.setProcessEnvironment(env);
-        p.start(kBin + program, args);
-        if (!p.waitForFinished(ms)) {
-            p.kill();
-            p.waitForFinished(2000);
-            return -1;
-        }
-        if (out)
-            *out = QString::fromUtf8(p.readAllStandardOutput());
-        return p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -2;
+        return box.run(program, args, ms, out);
     }
 
     void question(int slide, const QByteArray& settings, const QString& answers = "Red|Green|Blue|Yellow")
@@ -84,12 +51,8 @@ protected:
 
     void startController(const QByteArray& script = {})
     {
-        controller.setProcessEnvironment(env);
-        controller.start(kBin + "tlxctrl", {"--log", dir.filePath("controller.log"), "--script",
-                                             write("votes.txt", script), "--idle-exit", "60"});
-        ASSERT_TRUE(controller.waitForStarted(3000));
-        for (int i = 0; i < 250 && !QFile::exists(dir.filePath("xdg/controller.sock")); ++i)
-            QThread::msleep(20);
+        ASSERT_TRUE(box.startController(controller, {"--log", dir.filePath("controller.log"), "--script",
+                                                     write("votes.txt", script), "--idle-exit", "60"}));
     }
 
     // The commands the controller received, in order.
