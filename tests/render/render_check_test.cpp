@@ -17,13 +17,15 @@
 #include <QTemporaryDir>
 #include <QThread>
 
+#include "support/program_sandbox.h"
+
 #include <gtest/gtest.h>
+
+#include <vector>
 
 #include <memory>
 
 namespace {
-
-const QString kBin = QStringLiteral(TALLIX_BINARY_DIR "/bin/");
 
 // Pixels of the slide render per point.
 constexpr int kDpi = 96;
@@ -91,71 +93,39 @@ QByteArray ControllerScript(int options)
     return "0.3 " + records + "\\r\\n\n";
 }
 
-bool WriteFile(const QString& path, const QByteArray& bytes)
-{
-    QFile f(path);
-    return f.open(QIODevice::WriteOnly) && f.write(bytes) == bytes.size();
-}
-
 // One vote run in folders of its own, so that runs side by side never meet.
 struct VoteRun {
     QString dir, format;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    tallix::testing::ProgramSandbox box;
     std::unique_ptr<QProcess> controller = std::make_unique<QProcess>();
     std::unique_ptr<QProcess> vote = std::make_unique<QProcess>();
     QString error;
 
     QString deck() const { return dir + "/deck.pptx"; }
 
-    int tool(const QString& program, const QStringList& args, QString* out = nullptr)
-    {
-        QProcess p;
-        p.setProcessEnvironment(env);
-        p.start(kBin + program, args);
-        if (!p.waitForFinished(30000)) {
-            p.kill();
-            p.waitForFinished(2000);
-            return -1;
-        }
-        if (out)
-            *out = QString::fromUtf8(p.readAllStandardOutput());
-        return p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -2;
-    }
-
     void start(const Case& c)
     {
-        for (const char* d : {"xdg", "appdata/tallix", "allusers", "temp", "home"})
-            QDir(dir).mkpath(d);
-        QFile::setPermissions(dir + "/xdg", QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        env.insert("XDG_RUNTIME_DIR", dir + "/xdg");
-        env.insert("TALLIX_CONTROLLER_SOCKET", dir + "/xdg/controller.sock");
-        env.insert("APPDATA", dir + "/appdata");
-        env.insert("ALLUSERSPROFILE", dir + "/allusers");
-        env.insert("temp", dir + "/temp");
-        env.insert("HOME", dir + "/home");
-        env.insert("QT_QPA_PLATFORM", "offscreen");
-        env.remove("TALLIX_DECK");
-        WriteFile(dir + "/appdata/tallix/tlx.ini", "[TALLIX OPTIONS]\nCHART EXPORT FORMAT=" + format.toLatin1() + "\n");
-        WriteFile(dir + "/appdata/tallix/tlxctrl.ini", "[Controller]\nMaxKeypads=80\n[Base0]\nType=GrandHub\nLow=1\nHigh=80\n");
-        WriteFile(dir + "/q.xml", Settings(c));
-        WriteFile(dir + "/votes.txt", ControllerScript(c.options));
+        box.setUp(dir);
+        box.write("appdata/tallix/tlx.ini", "[TALLIX OPTIONS]\nCHART EXPORT FORMAT=" + format.toLatin1() + "\n");
+        box.write("appdata/tallix/tlxctrl.ini", "[Controller]\nMaxKeypads=80\n[Base0]\nType=GrandHub\nLow=1\nHigh=80\n");
         // Three seconds for the votes, then the chart grows and is placed; the presenter moves on.
-        WriteFile(dir + "/op.txt", "3 key Space\n7 key Space\n");
+        const QString ops = box.write("op.txt", "3 key Space\n7 key Space\n");
         QStringList answers;
         for (int i = 1; i <= c.options; ++i)
             answers << QStringLiteral("Answer %1").arg(i);
-        if (tool("tallix-deck", {"new", deck(), "--slides", "2"}) != 0 ||
-            tool("tallix-deck", {"question", deck(), "1", "--settings", dir + "/q.xml", "--answers", answers.join('|'),
-                                 "--title", c.name}) != 0) {
+        if (box.run("tallix-deck", {"new", deck(), "--slides", "2"}) != 0 ||
+            box.run("tallix-deck", {"question", deck(), "1", "--settings", box.write("q.xml", Settings(c)), "--answers",
+                                    answers.join('|'), "--title", c.name}) != 0) {
             error = "could not make the deck";
             return;
         }
-        controller->setProcessEnvironment(env);
-        controller->start(kBin + "tlxctrl", {"--script", dir + "/votes.txt", "--idle-exit", "60"});
-        for (int i = 0; i < 250 && !QFile::exists(dir + "/xdg/controller.sock"); ++i)
-            QThread::msleep(20);
-        vote->setProcessEnvironment(env);
-        vote->start(kBin + "tallix-vote", {"--deck", deck(), "--operator-script", dir + "/op.txt", "TLXVOTE,1"});
+        if (!box.startController(*controller, {"--script", box.write("votes.txt", ControllerScript(c.options)),
+                                               "--idle-exit", "60"})) {
+            error = "the controller did not start";
+            return;
+        }
+        vote->setProcessEnvironment(box.env);
+        vote->start(tallix::testing::ProgramPath("tallix-vote"), {"--deck", deck(), "--operator-script", ops, "TLXVOTE,1"});
     }
 
     void finish()
@@ -163,17 +133,14 @@ struct VoteRun {
         if (error.isEmpty() && (!vote->waitForFinished(30000) || vote->exitCode() != 0))
             error = "tallix-vote did not end in order: " + QString::fromUtf8(vote->readAllStandardError().right(400));
         vote->kill();
-        tool("tlxctrl", {"--quit"});
-        controller->waitForFinished(3000);
-        controller->kill();
-        controller->waitForFinished(2000);
+        box.stopController(*controller);
     }
 
     // The placed chart's box on the slide, in points.
     QRectF chartBox()
     {
         QString out;
-        tool("tallix-deck", {"shapes", deck(), "1", "--json"}, &out);
+        box.run("tallix-deck", {"shapes", deck(), "1", "--json"}, 30000, &out);
         for (const QJsonValue& v : QJsonDocument::fromJson(out.toUtf8()).array()) {
             const QJsonObject o = v.toObject();
             if (o.value("name").toString() == "tallix chart")
@@ -197,14 +164,29 @@ QRect InkBounds(const QImage& img)
     return r;
 }
 
-// The slices and bars alone: the marks' text and the axes are grey or black.
-QRect ColouredBounds(const QImage& img)
+// The chart's solid parts, slices and bars: a pixel counts when nearly all of the 9 x 9
+// square round it is drawn, which the thin strokes of text and axes never fill.
+QRect SolidBounds(const QImage& img)
 {
+    const int w = img.width(), h = img.height();
+    // Drawn pixels summed over every rectangle from the corner, to count any square at once.
+    std::vector<int> sum(size_t(w + 1) * size_t(h + 1), 0);
+    auto at = [&](int x, int y) -> int& { return sum[size_t(y) * size_t(w + 1) + size_t(x)]; };
+    for (int y = 0; y < h; ++y)
+        for (int x = 0; x < w; ++x) {
+            const QRgb p = img.pixel(x, y);
+            const int drawn = !(qRed(p) >= 222 && qGreen(p) >= 222 && qBlue(p) >= 222);
+            at(x + 1, y + 1) = drawn + at(x, y + 1) + at(x + 1, y) - at(x, y);
+        }
+    constexpr int kHalf = 4, kSide = 2 * kHalf + 1;
     QRect r;
-    for (int y = 0; y < img.height(); ++y)
-        for (int x = 0; x < img.width(); ++x)
-            if (QColor(img.pixel(x, y)).hsvSaturation() > 60)
+    for (int y = kHalf; y < h - kHalf; ++y)
+        for (int x = kHalf; x < w - kHalf; ++x) {
+            const int n = at(x + kHalf + 1, y + kHalf + 1) - at(x - kHalf, y + kHalf + 1) - at(x + kHalf + 1, y - kHalf) +
+                          at(x - kHalf, y - kHalf);
+            if (n >= kSide * kSide - 4)
                 r |= QRect(x, y, 1, 1);
+        }
     return r;
 }
 
@@ -322,7 +304,7 @@ TEST(RenderCheck, EveryChartKindPlacedAsEmfLooksLikeItsPngInLibreOffice)
         EXPECT_NEAR(aspectEmf, aspectPng, kAspectTolerance * aspectPng) << "the chart is stretched";
         // Both pictures could be stretched alike; a flat pie shows it, being round.
         if (c.graphType == 0 || c.graphType == 13) {
-            const QRect pie = ColouredBounds(crops[1]);
+            const QRect pie = SolidBounds(crops[1]);
             EXPECT_NEAR(double(pie.width()) / pie.height(), 1.0, kAspectTolerance) << "a flat pie is round";
         }
         const std::vector<QColor> a = RegionColours(crops[0]), b = RegionColours(crops[1]);
