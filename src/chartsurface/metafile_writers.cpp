@@ -143,15 +143,18 @@ private:
         b_.u32(quint32(desc.size()));
         b_.u32(108);
         b_.u32(0); // palette entries
-        b_.i32(size_.width()); // reference device: 96 pixels to the inch
-        b_.i32(size_.height());
-        b_.i32(int(std::lround(size_.width() * 25.4 / 96)));
-        b_.i32(int(std::lround(size_.height() * 25.4 / 96)));
+        // Reference device: a full-HD screen at 96 pixels to the inch, the resolution the
+        // frame above is reckoned in, so a reader maps pixels to millimetres alike on both axes.
+        constexpr int kDevW = 1920, kDevH = 1080;
+        b_.i32(kDevW);
+        b_.i32(kDevH);
+        b_.i32(int(std::lround(kDevW * 25.4 / 96)));
+        b_.i32(int(std::lround(kDevH * 25.4 / 96)));
         b_.u32(0); // no pixel format
         b_.u32(0);
         b_.u32(0); // not OpenGL
-        b_.i32(int(std::lround(size_.width() * 25400.0 / 96)));
-        b_.i32(int(std::lround(size_.height() * 25400.0 / 96)));
+        b_.i32(int(std::lround(kDevW * 25400.0 / 96)));
+        b_.i32(int(std::lround(kDevH * 25400.0 / 96)));
         for (QChar c : desc)
             b_.u16(c.unicode());
         b_.pad4();
