@@ -18,27 +18,10 @@
 namespace {
 
 
-class LostRecords : public ::testing::Test {
+class LostRecords : public tallix::testing::ProgramTest {
 protected:
-    QTemporaryDir dir;
-    tallix::testing::ProgramSandbox box;
-    QProcessEnvironment& env = box.env;
-    QProcess controller;
+    LostRecords() : ProgramTest(2) {}
 
-    void SetUp() override
-    {
-        box.setUp(dir.path());
-        ASSERT_EQ(run("tallix-deck", {"new", deck(), "--slides", "2"}), 0);
-    }
-
-    void TearDown() override { box.stopController(controller); }
-
-    QString deck() const { return dir.filePath("deck.pptx"); }
-    QString write(const QString& name, const QByteArray& text) { return box.write(name, text); }
-    int run(const QString& program, const QStringList& args, int ms = 30000, QString* out = nullptr)
-    {
-        return box.run(program, args, ms, out);
-    }
 
     // No heartbeats: after the script's last line the controller says nothing more.
     void startSilentController(const QByteArray& script)
@@ -58,12 +41,10 @@ protected:
 
 TEST_F(LostRecords, ARecordSentWhileTheBaseErrorBoxIsOpenIsSaved)
 {
-    const QByteArray question =
+    const QByteArray settings =
         "<tlxfile><vote_info><vType>0</vType><options>4</options><startFrom>1</startFrom></vote_info>"
         "<graph_info><GraphType>2</GraphType><GraphPlotting>0</GraphPlotting></graph_info></tlxfile>";
-    ASSERT_EQ(run("tallix-deck", {"question", deck(), "2", "--settings", write("q.xml", question), "--answers",
-                                  "Red|Green|Blue|Yellow", "--title", "Favourite colour?"}),
-              0);
+    question(2, settings);
     startSilentController("0.2 [1;2],[2;3],\\r\\n\n"
                           "0.4 !baseerror 0 Base 0 not responding\n"
                           "0.8 [3;4],\\r\\n\n");

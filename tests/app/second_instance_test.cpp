@@ -24,21 +24,14 @@ const QByteArray kQuestion =
     "<tlxfile><vote_info><vType>0</vType><options>4</options><startFrom>1</startFrom></vote_info>"
     "<graph_info><GraphType>2</GraphType><GraphPlotting>0</GraphPlotting></graph_info></tlxfile>";
 
-class SecondInstance : public ::testing::Test {
+class SecondInstance : public tallix::testing::ProgramTest {
 protected:
-    QTemporaryDir dir;
-    tallix::testing::ProgramSandbox box;
-    QProcessEnvironment& env = box.env;
-    QProcess controller;
     QProcess first;
 
     void SetUp() override
     {
-        box.setUp(dir.path());
-        ASSERT_EQ(run("tallix-deck", {"new", deck(), "--slides", "3"}), 0);
-        ASSERT_EQ(run("tallix-deck", {"question", deck(), "2", "--settings", write("q.xml", kQuestion), "--answers",
-                                      "Red|Green|Blue|Yellow", "--title", "Favourite colour?"}),
-                  0);
+        ProgramTest::SetUp();
+        question(2, kQuestion);
         ASSERT_TRUE(box.startController(controller, {"--log", dir.filePath("controller.log"), "--script",
                                                      write("votes.txt", ""), "--idle-exit", "60"}));
     }
@@ -49,14 +42,7 @@ protected:
             first.kill();
             first.waitForFinished(2000);
         }
-        box.stopController(controller);
-    }
-
-    QString deck() const { return dir.filePath("deck.pptx"); }
-    QString write(const QString& name, const QByteArray& text) { return box.write(name, text); }
-    int run(const QString& program, const QStringList& args, int ms = 30000, QString* out = nullptr)
-    {
-        return box.run(program, args, ms, out);
+        ProgramTest::TearDown();
     }
 
     QStringList voteArgs(const QString& script) const

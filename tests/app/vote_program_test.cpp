@@ -20,34 +20,8 @@
 namespace {
 
 
-class VoteProgram : public ::testing::Test {
+class VoteProgram : public tallix::testing::ProgramTest {
 protected:
-    QTemporaryDir dir;
-    tallix::testing::ProgramSandbox box;
-    QProcessEnvironment& env = box.env;
-    QProcess controller;
-
-    void SetUp() override
-    {
-        box.setUp(dir.path());
-        ASSERT_EQ(run("tallix-deck", {"new", deck(), "--slides", "3"}), 0);
-    }
-
-    void TearDown() override { box.stopController(controller); }
-
-    QString deck() const { return dir.filePath("deck.pptx"); }
-    QString write(const QString& name, const QByteArray& text) { return box.write(name, text); }
-    int run(const QString& program, const QStringList& args, int ms = 30000, QString* out = nullptr)
-    {
-        return box.run(program, args, ms, out);
-    }
-
-    void question(int slide, const QByteArray& settings, const QString& answers = "Red|Green|Blue|Yellow")
-    {
-        ASSERT_EQ(run("tallix-deck", {"question", deck(), QString::number(slide), "--settings", write("q.xml", settings),
-                                      "--answers", answers, "--title", "Favourite colour?"}),
-                  0);
-    }
 
     void startController(const QByteArray& script = {})
     {

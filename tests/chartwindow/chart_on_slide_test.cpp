@@ -5,13 +5,12 @@
 #include "charts/ui/chart_display.h"
 #include "chartsurface/chart_export.h"
 #include "host/deck.h"
+#include "support/picture_measures.h"
 
 #include <QImage>
 #include <QtEndian>
 
 #include <gtest/gtest.h>
-
-#include <vector>
 
 using namespace tallix;
 using namespace tallix::testing;
@@ -30,32 +29,6 @@ QByteArray PictureBytes(host::MemoryHost& h, const QString& shapeName)
 qint32 I32(const QByteArray& b, int at) { return qFromLittleEndian<qint32>(b.constData() + at); }
 
 double Aspect(double w, double h) { return h > 0 ? w / h : 0; }
-
-// The chart's solid parts, slices and bars: a pixel counts when nearly all of the 9 x 9
-// square round it is drawn, which the thin strokes of text and axes never fill.
-QRect SolidBounds(const QImage& img)
-{
-    const int w = img.width(), h = img.height();
-    // Drawn pixels summed over every rectangle from the corner, to count any square at once.
-    std::vector<int> sum(size_t(w + 1) * size_t(h + 1), 0);
-    auto at = [&](int x, int y) -> int& { return sum[size_t(y) * size_t(w + 1) + size_t(x)]; };
-    for (int y = 0; y < h; ++y)
-        for (int x = 0; x < w; ++x) {
-            const QRgb p = img.pixel(x, y);
-            const int drawn = !(qRed(p) >= 222 && qGreen(p) >= 222 && qBlue(p) >= 222);
-            at(x + 1, y + 1) = drawn + at(x, y + 1) + at(x + 1, y) - at(x, y);
-        }
-    constexpr int kHalf = 4, kSide = 2 * kHalf + 1;
-    QRect r;
-    for (int y = kHalf; y < h - kHalf; ++y)
-        for (int x = kHalf; x < w - kHalf; ++x) {
-            const int n = at(x + kHalf + 1, y + kHalf + 1) - at(x - kHalf, y + kHalf + 1) - at(x + kHalf + 1, y - kHalf) +
-                          at(x - kHalf, y - kHalf);
-            if (n >= kSide * kSide - 4)
-                r |= QRect(x, y, 1, 1);
-        }
-    return r;
-}
 
 // The show window on screens of every shape: the slide fills its middle, black bars the rest.
 class OnAnyScreen : public ::testing::TestWithParam<QRect> {};

@@ -17,11 +17,10 @@
 #include <QTemporaryDir>
 #include <QThread>
 
+#include "support/picture_measures.h"
 #include "support/program_sandbox.h"
 
 #include <gtest/gtest.h>
-
-#include <vector>
 
 #include <memory>
 
@@ -164,32 +163,6 @@ QRect InkBounds(const QImage& img)
     return r;
 }
 
-// The chart's solid parts, slices and bars: a pixel counts when nearly all of the 9 x 9
-// square round it is drawn, which the thin strokes of text and axes never fill.
-QRect SolidBounds(const QImage& img)
-{
-    const int w = img.width(), h = img.height();
-    // Drawn pixels summed over every rectangle from the corner, to count any square at once.
-    std::vector<int> sum(size_t(w + 1) * size_t(h + 1), 0);
-    auto at = [&](int x, int y) -> int& { return sum[size_t(y) * size_t(w + 1) + size_t(x)]; };
-    for (int y = 0; y < h; ++y)
-        for (int x = 0; x < w; ++x) {
-            const QRgb p = img.pixel(x, y);
-            const int drawn = !(qRed(p) >= 222 && qGreen(p) >= 222 && qBlue(p) >= 222);
-            at(x + 1, y + 1) = drawn + at(x, y + 1) + at(x + 1, y) - at(x, y);
-        }
-    constexpr int kHalf = 4, kSide = 2 * kHalf + 1;
-    QRect r;
-    for (int y = kHalf; y < h - kHalf; ++y)
-        for (int x = kHalf; x < w - kHalf; ++x) {
-            const int n = at(x + kHalf + 1, y + kHalf + 1) - at(x - kHalf, y + kHalf + 1) - at(x + kHalf + 1, y - kHalf) +
-                          at(x - kHalf, y - kHalf);
-            if (n >= kSide * kSide - 4)
-                r |= QRect(x, y, 1, 1);
-        }
-    return r;
-}
-
 // Mean colour of each grid region, background counted as white.
 std::vector<QColor> RegionColours(const QImage& img)
 {
@@ -304,7 +277,7 @@ TEST(RenderCheck, EveryChartKindPlacedAsEmfLooksLikeItsPngInLibreOffice)
         EXPECT_NEAR(aspectEmf, aspectPng, kAspectTolerance * aspectPng) << "the chart is stretched";
         // Both pictures could be stretched alike; a flat pie shows it, being round.
         if (c.graphType == 0 || c.graphType == 13) {
-            const QRect pie = SolidBounds(crops[1]);
+            const QRect pie = tallix::testing::SolidBounds(crops[1]);
             EXPECT_NEAR(double(pie.width()) / pie.height(), 1.0, kAspectTolerance) << "a flat pie is round";
         }
         const std::vector<QColor> a = RegionColours(crops[0]), b = RegionColours(crops[1]);

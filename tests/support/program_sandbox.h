@@ -4,9 +4,12 @@
 // folder and controller socket, settings, temporary files and home.
 
 #include <QDir>
+#include <QTemporaryDir>
 #include <QFile>
 #include <QProcess>
 #include <QThread>
+
+#include <gtest/gtest.h>
 
 namespace tallix::testing {
 
@@ -82,6 +85,42 @@ struct ProgramSandbox {
             controller.waitForFinished(2000);
         }
     }
+};
+
+// A test over a deck of `slides` slides in a sandbox of its own, with a controller stand-in
+// that the test may start and that is always stopped at the end.
+class ProgramTest : public ::testing::Test {
+protected:
+    explicit ProgramTest(int slides = 3) : slides_(slides) {}
+
+    QTemporaryDir dir;
+    ProgramSandbox box;
+    QProcessEnvironment& env = box.env;
+    QProcess controller;
+
+    void SetUp() override
+    {
+        box.setUp(dir.path());
+        ASSERT_EQ(run("tallix-deck", {"new", deck(), "--slides", QString::number(slides_)}), 0);
+    }
+    void TearDown() override { box.stopController(controller); }
+
+    QString deck() const { return dir.filePath("deck.pptx"); }
+    QString write(const QString& name, const QByteArray& text) { return box.write(name, text); }
+    int run(const QString& program, const QStringList& args, int ms = 30000, QString* out = nullptr)
+    {
+        return box.run(program, args, ms, out);
+    }
+    // Puts a four-answer question on `slide`.
+    void question(int slide, const QByteArray& settings, const QString& answers = "Red|Green|Blue|Yellow")
+    {
+        ASSERT_EQ(run("tallix-deck", {"question", deck(), QString::number(slide), "--settings", write("q.xml", settings),
+                                      "--answers", answers, "--title", "Favourite colour?"}),
+                  0);
+    }
+
+private:
+    int slides_;
 };
 
 } // namespace tallix::testing
