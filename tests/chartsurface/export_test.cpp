@@ -3,6 +3,7 @@
 #include "chartsurface/tchart.h"
 #include "foundation/vb_error.h"
 #include "sample_charts.h"
+#include "support/picture_measures.h"
 
 #include <QFile>
 #include <QImage>
@@ -14,6 +15,7 @@
 #include <gtest/gtest.h>
 
 using namespace tallix;
+using tallix::testing::ColouredShare;
 
 namespace {
 
@@ -52,19 +54,6 @@ std::optional<QString> RunChecker(const QString& program, const QStringList& arg
     return QString::fromUtf8(p.readAllStandardOutput());
 }
 
-// Share of pixels of a rendered picture that are clearly coloured (not white, grey or black).
-double ColouredShare(const QImage& img)
-{
-    qint64 coloured = 0;
-    const QImage rgb = img.convertToFormat(QImage::Format_RGB32);
-    for (int y = 0; y < rgb.height(); ++y)
-        for (int x = 0; x < rgb.width(); ++x) {
-            const QRgb c = rgb.pixel(x, y);
-            const int hi = std::max({qRed(c), qGreen(c), qBlue(c)}), lo = std::min({qRed(c), qGreen(c), qBlue(c)});
-            coloured += hi - lo > 60;
-        }
-    return double(coloured) / (double(rgb.width()) * rgb.height());
-}
 
 struct EmfRecords {
     std::map<quint32, int> count;

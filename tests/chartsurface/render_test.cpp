@@ -7,6 +7,7 @@
 #include "foundation/vb_error.h"
 #include "chartsurface/vector_picture.h"
 #include "sample_charts.h"
+#include "support/picture_measures.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -607,20 +608,6 @@ TEST(ChartArray, ElementsAreMadeOnDemandAndCarryTheirIndex)
     EXPECT_EQ(charts.UBound(), 0);
 }
 
-namespace {
-// Share of the picture that carries colour: filled bars cover a good part of it, hollow
-// ones only their outlines.
-double ColouredShareOf(TChartModel& m)
-{
-    const QImage img = QImage::fromData(ChartPictureBytes(m, PictureFormat::BMP, kSize)).convertToFormat(QImage::Format_RGB32);
-    qint64 coloured = 0;
-    for (int y = 0; y < img.height(); ++y)
-        for (int x = 0; x < img.width(); ++x)
-            coloured += QColor(img.pixel(x, y)).hsvSaturation() > 60;
-    return double(coloured) / (double(img.width()) * img.height());
-}
-} // namespace
-
 // A settings document's fill code 1 is solid: no code leaves a bar hollow, whatever its shape.
 TEST(ChartRender, BarsOfEveryShapeAreFilledWithFillCodesZeroAndOne)
 {
@@ -632,6 +619,8 @@ TEST(ChartRender, BarsOfEveryShapeAreFilledWithFillCodesZeroAndOne)
             m.SERIES(0).BarBrush.Style = code;
             m.SERIES(0).BarPen.Visible = true;
             m.Repaint();
-            EXPECT_GT(ColouredShareOf(m), 0.08) << family.toStdString() << " with fill code " << code;
+            // Filled bars cover a good part of the picture, hollow ones only their outlines.
+            const QImage img = QImage::fromData(ChartPictureBytes(m, PictureFormat::BMP, kSize));
+            EXPECT_GT(tallix::testing::ColouredShare(img), 0.08) << family.toStdString() << " with fill code " << code;
         }
 }

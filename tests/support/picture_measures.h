@@ -4,9 +4,24 @@
 #include <QImage>
 #include <QRect>
 
+#include <algorithm>
 #include <vector>
 
 namespace tallix::testing {
+
+// Share of pixels of a rendered picture that are clearly coloured (not white, grey or black).
+inline double ColouredShare(const QImage& img)
+{
+    qint64 coloured = 0;
+    const QImage rgb = img.convertToFormat(QImage::Format_RGB32);
+    for (int y = 0; y < rgb.height(); ++y)
+        for (int x = 0; x < rgb.width(); ++x) {
+            const QRgb c = rgb.pixel(x, y);
+            const int hi = std::max({qRed(c), qGreen(c), qBlue(c)}), lo = std::min({qRed(c), qGreen(c), qBlue(c)});
+            coloured += hi - lo > 60;
+        }
+    return double(coloured) / (double(rgb.width()) * rgb.height());
+}
 
 // The chart's solid parts, slices and bars: a pixel counts when nearly all of the 9 x 9
 // square round it is drawn, which the thin strokes of text and axes never fill.

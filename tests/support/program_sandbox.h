@@ -103,7 +103,17 @@ protected:
         box.setUp(dir.path());
         ASSERT_EQ(run("tallix-deck", {"new", deck(), "--slides", QString::number(slides_)}), 0);
     }
-    void TearDown() override { box.stopController(controller); }
+    void TearDown() override
+    {
+        box.stopController(controller);
+        // A report the programs wrote that the test did not expect fails it, as in-process.
+        QFile log(box.path("appdata/tallix/Err.log"));
+        if (!expectErrorReports && log.open(QIODevice::ReadOnly))
+            ADD_FAILURE() << "unexpected error report: " << log.readAll().left(600).toStdString();
+    }
+
+    // Set by a test whose programs are meant to write error reports.
+    bool expectErrorReports = false;
 
     QString deck() const { return dir.filePath("deck.pptx"); }
     QString write(const QString& name, const QByteArray& text) { return box.write(name, text); }
