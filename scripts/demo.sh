@@ -66,6 +66,7 @@ echo "Result deck:   $deck"
 
 # The question slide as LibreOffice Impress draws it, with the chart picture on it.
 if command -v soffice >/dev/null && command -v pdftoppm >/dev/null; then
+    mkdir -p "$demo/home"
     if HOME="$demo/home" soffice -env:UserInstallation="file://$demo/office-profile" --headless --norestore \
             --convert-to pdf --outdir "$demo" "$deck" >/dev/null 2>&1 \
         && pdftoppm -png -r 96 -f 1 -l 1 -singlefile "$demo/demo.pdf" "$demo/slide"; then

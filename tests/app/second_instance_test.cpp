@@ -74,7 +74,7 @@ protected:
 
 TEST_F(SecondInstance, ASecondVoteClosesTheFirstEvenAfterAnEarlierVoteEndedWithQ)
 {
-    // An earlier vote ended with q: the deck file keeps its reason, as the run did.
+    // An earlier vote ended with q: the deck file keeps its reason.
     ASSERT_EQ(run("tallix-vote", voteArgs(write("quit.txt", "1 key q\n"))), 0);
     ASSERT_TRUE(presentationTag("tlxVoteTerminated").startsWith("Vote finished\r\n"));
 

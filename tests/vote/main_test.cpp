@@ -246,7 +246,7 @@ TEST_F(StartUp, ARuntimeErrorInStartUpIsReportedAndEndsTheProcess)
     launch("TLXVOTE,2");
     EXPECT_EQ(exits, 1);
     ASSERT_EQ(reports.count(), 1);
-    EXPECT_TRUE(reports.all().contains("Main")) << reports.all().toStdString();
+    EXPECT_TRUE(reports.all().contains("Procedure: Main\r\n")) << reports.all().toStdString();
     EXPECT_FALSE(forms.link.sent.contains("GetVoteInfo"));
 }
 
