@@ -159,6 +159,9 @@ struct RunState {
     bool CountDownManualEnd = false;
     bool ShowVotesIndicator = false;
     bool AutoStart = false;
+    // True while FullShutDown runs: a click or key that asks for the end again meanwhile
+    // (during the AutoAdvance wait, say) must not save, run macros and wait a second time.
+    bool shuttingDown = false;
     bool AutoAdvance = false;
     qint32 AutoAdvanceTime = 0;
     short Iterations = 0;

@@ -241,6 +241,15 @@ void EndProcessAfterFailure(RunContext& ctx)
 
 void FullShutDown(RunContext& ctx)
 {
+    if (ctx.shuttingDown) {
+        WriteDebugLog(ctx, 0, "Already shutting down", kModule, "FullShutDown");
+        return;
+    }
+    ctx.shuttingDown = true;
+    struct Done {
+        RunContext& ctx;
+        ~Done() { ctx.shuttingDown = false; }
+    } done{ctx};
     bool chained = false;
     Guarded(ctx, kModule, "FullShutdown", false, [&] {
         ctx.voteRunning = false;
@@ -259,6 +268,7 @@ void FullShutDown(RunContext& ctx)
             if (ctx.vCast)
                 ctx.vCast->SetProgressValue(int(tlxVal(ctx.arg4)));
             chained = true;
+            ctx.shuttingDown = false;   // the next slide's vote ends by its own shutdown
             Main(ctx);
             return;
         }

@@ -132,6 +132,27 @@ TEST_F(LiveVoteTest, AutoAdvanceWaitsThenMovesTheShowOn)
     EXPECT_LT(run.t.clock.secondsSinceMidnight() - again, 0.1);
 }
 
+TEST_F(LiveVoteTest, AnEndAskedForDuringTheAutoAdvanceWaitDoesNotRunTheShutdownTwice)
+{
+    ctx.AutoAdvance = true;
+    ctx.AutoAdvanceTime = 2;
+    const double start = run.t.clock.secondsSinceMidnight();
+    bool clicked = false;
+    // The presenter clicks the result a second into the wait.
+    run.t.pump.setHook([&] {
+        if (!clicked && run.t.clock.secondsSinceMidnight() - start > 1) {
+            clicked = true;
+            FullShutDown(ctx);
+        }
+    });
+    EXPECT_TRUE(endsProcess([&] { FullShutDown(ctx); }));
+    EXPECT_TRUE(clicked);
+    EXPECT_EQ(exits, 1);
+    EXPECT_EQ(link.sent.count("NEXTSLIDE,2"), 1);
+    EXPECT_LT(run.t.clock.secondsSinceMidnight() - start, 2.5) << "waited twice";
+    EXPECT_FALSE(ctx.shuttingDown);
+}
+
 TEST_F(LiveVoteTest, AllRunChainsTheNextSlideInsteadOfEnding)
 {
     ctx.arg5 = "ALL";
