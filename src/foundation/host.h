@@ -147,6 +147,8 @@ public:
     virtual TextFrame* Cell(int row, int column) = 0; // 1-based
 };
 
+class GroupShapes;
+
 class Shape {
 public:
     virtual ~Shape() = default;
@@ -182,6 +184,17 @@ public:
     virtual void SetLineVisible(bool visible) = 0;
     virtual int PlaceholderFormatType() const = 0; // PlaceholderType::None when not one
     virtual int AutoShapeType() const = 0;
+    // `GroupItems`: the shapes inside a group; raises when the shape is not one.
+    virtual GroupShapes* GroupItems() = 0;
+};
+
+// The members of a group, back to front. `Shapes.Item(name)` never finds them.
+class GroupShapes {
+public:
+    virtual ~GroupShapes() = default;
+    virtual int Count() const = 0;
+    virtual Shape* Item(int index) = 0;           // 1-based
+    virtual Shape* Item(const QString& name) = 0; // exact name, first match
 };
 
 class Shapes {
@@ -197,7 +210,7 @@ public:
     virtual Shape* AddShape(int autoShapeType, double left, double top, double width,
                             double height) = 0;
     virtual Shape* AddTextbox(double left, double top, double width, double height) = 0;
-    // `Range(names).Group`.
+    // `Range(names).Group`; a single shape makes a group of one, no shape is refused.
     virtual Shape* Group(const QStringList& names) = 0;
     // Pastes what the last `Copy`/`Cut` took, on this slide.
     virtual Shape* Paste() = 0;

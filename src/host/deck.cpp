@@ -355,10 +355,35 @@ QList<pugi::xml_node> Deck::shapes(const QString& part)
     return out;
 }
 
+QList<pugi::xml_node> Deck::groupMembers(pugi::xml_node group)
+{
+    QList<pugi::xml_node> out;
+    if (LocalName(group) != "grpSp")
+        return out;
+    for (pugi::xml_node c : group.children())
+        if (c.type() == pugi::node_element && isShapeElement(LocalName(c)))
+            out << c;
+    return out;
+}
+
+namespace {
+pugi::xml_node findMember(pugi::xml_node group, const QString& name, int id)
+{
+    for (pugi::xml_node m : Deck::groupMembers(group)) {
+        if (Deck::shapeId(m) == id && Deck::shapeName(m) == name)
+            return m;
+        if (pugi::xml_node inner = findMember(m, name, id))
+            return inner;
+    }
+    return {};
+}
+} // namespace
+
 pugi::xml_node Deck::findShape(const QString& part, const QString& name, int idHint)
 {
     pugi::xml_node first;
-    for (pugi::xml_node s : shapes(part)) {
+    const QList<pugi::xml_node> all = shapes(part);
+    for (pugi::xml_node s : all) {
         if (shapeName(s) != name)
             continue;
         if (!idHint || shapeId(s) == idHint)
@@ -366,6 +391,10 @@ pugi::xml_node Deck::findShape(const QString& part, const QString& name, int idH
         if (!first)
             first = s;
     }
+    if (!first && idHint)
+        for (pugi::xml_node s : all)
+            if (pugi::xml_node m = findMember(s, name, idHint))
+                return m;
     return first;
 }
 
@@ -1087,8 +1116,8 @@ int Deck::apply(const Op& op, const Clip* clip)
             if (!members.contains(s))
                 members << s;
         }
-        if (members.size() < 2)
-            Raise(ErrNo::HostUnexpected, QStringLiteral("This member can only be accessed for a group of two or more shapes."));
+        if (members.isEmpty())
+            Raise(ErrNo::HostUnexpected, QStringLiteral("Shapes.Range.Group : No shapes to group."));
         QRectF box;
         for (pugi::xml_node s : members) {
             const QRectF r = geometry(part, s);

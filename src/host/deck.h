@@ -71,7 +71,11 @@ public:
 
     // Shapes of a slide or notes part, back to front.
     QList<pugi::xml_node> shapes(const QString& part);
+    // By name among the slide's own shapes; with an id, a group's member is found too,
+    // since an id names one shape wherever it lies.
     pugi::xml_node findShape(const QString& part, const QString& name, int idHint = 0);
+    // The shapes directly inside a group, back to front; none for any other shape.
+    static QList<pugi::xml_node> groupMembers(pugi::xml_node group);
 
     // Reading a shape.
     static QString shapeName(pugi::xml_node shape);

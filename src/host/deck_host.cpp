@@ -75,6 +75,8 @@ private:
 };
 
 class ShapeImpl;
+class ShapesImpl;
+class GroupItemsImpl;
 
 class TextFrameImpl : public TextFrame {
 public:
@@ -112,8 +114,9 @@ private:
 
 class ShapeImpl : public Shape {
 public:
-    ShapeImpl(DeckHost* host, qint64 slideId, bool notes, const QString& name, int id)
-        : h(host), slideId(slideId), notes(notes), name(name), id(id), text(this, 0, 0), table(this) {}
+    ShapeImpl(DeckHost* host, ShapesImpl* owner, qint64 slideId, bool notes, const QString& name, int id)
+        : h(host), owner(owner), slideId(slideId), notes(notes), name(name), id(id), text(this, 0, 0), table(this) {}
+    ~ShapeImpl() override;
 
     QString part() const
     {
@@ -234,8 +237,11 @@ public:
     }
     int PlaceholderFormatType() const override { return Deck::placeholderType(node()); }
     int AutoShapeType() const override { return Deck::autoShapeType(node()); }
+    GroupShapes* GroupItems() override;
 
     DeckHost* h;
+    ShapesImpl* owner;
+    std::unique_ptr<GroupItemsImpl> members;
     qint64 slideId;
     bool notes;
     QString name;
@@ -315,7 +321,7 @@ public:
         if (slot && (slot->name != name || slot->id != id))
             retired.push_back(std::move(slot));
         if (!slot)
-            slot = std::make_unique<ShapeImpl>(h, slideId, notes, name, id);
+            slot = std::make_unique<ShapeImpl>(h, this, slideId, notes, name, id);
         return slot.get();
     }
     int Count() const override { return int(h->deck().shapes(part()).size()); }
@@ -402,6 +408,40 @@ public:
     std::map<std::pair<int, QString>, std::unique_ptr<ShapeImpl>> cache;
     std::vector<std::unique_ptr<ShapeImpl>> retired; // callers may still hold them
 };
+
+class GroupItemsImpl : public GroupShapes {
+public:
+    explicit GroupItemsImpl(ShapeImpl* group) : g(group) {}
+    int Count() const override { return int(Deck::groupMembers(g->node()).size()); }
+    Shape* Item(int index) override
+    {
+        const auto all = Deck::groupMembers(g->node());
+        if (index < 1 || index > all.size())
+            outOfRange("GroupItems.Item", index, int(all.size()));
+        return g->owner->wrap(all[index - 1]);
+    }
+    Shape* Item(const QString& name) override
+    {
+        for (pugi::xml_node n : Deck::groupMembers(g->node()))
+            if (Deck::shapeName(n) == name)
+                return g->owner->wrap(n);
+        Raise(ErrNo::ItemNotFound, QStringLiteral("Item '%1' not found in the GroupItems collection.").arg(name));
+    }
+
+private:
+    ShapeImpl* g;
+};
+
+ShapeImpl::~ShapeImpl() = default;
+
+GroupShapes* ShapeImpl::GroupItems()
+{
+    if (Kind() != ShapeKind::Group)
+        Raise(ErrNo::HostUnexpected, QStringLiteral("GroupItems : This member can only be accessed for a group."));
+    if (!members)
+        members = std::make_unique<GroupItemsImpl>(this);
+    return members.get();
+}
 
 class SlideImpl : public Slide {
 public:

@@ -88,7 +88,8 @@ TEST_F(MemoryHostTest, HostErrorsCarryTheHostsNumber)
         {"no show running", [&] { pres.GetSlideShowWindow(); }, ErrNo::HostUnexpected},
         {"missing picture file", [&] { shapes.AddPicture(dir.filePath("none.png"), 0, -1, 0, 0); }, ErrNo::FileNotFound},
         {"presentation by another name", [&] { host.Presentations("other.pptx"); }, ErrNo::ItemNotFound},
-        {"group of one", [&] { shapes.Group({"Title 1"}); }, ErrNo::HostUnexpected},
+        {"group of none", [&] { shapes.Group({}); }, ErrNo::HostUnexpected},
+        {"members of a shape that is no group", [&] { shapes.Item("Title 1")->GroupItems(); }, ErrNo::HostUnexpected},
     };
     for (const Case& c : cases)
         EXPECT_EQ(errorNumber(c.call), c.number) << c.what;
@@ -143,6 +144,23 @@ TEST_F(MemoryHostTest, ZOrderAndGroupingWorkOnTheShapeTree)
     EXPECT_EQ(errorNumber([&] { shapes.Item("a"); }), ErrNo::ItemNotFound); // inside the group now
     group->SetLeft(20); // the group moves as one
     EXPECT_EQ(group->Left(), 20);
+
+    // Members are reached through the group, and the objects held from before keep working.
+    GroupShapes* members = group->GroupItems();
+    ASSERT_EQ(members->Count(), 2);
+    EXPECT_EQ(members->Item(1)->Name(), "a");
+    members->Item("b")->SetVisible(false);
+    EXPECT_FALSE(b->Visible());
+    a->SetVisible(false);
+    EXPECT_FALSE(members->Item("a")->Visible());
+    EXPECT_EQ(errorNumber([&] { members->Item("c"); }), ErrNo::ItemNotFound);
+
+    // One shape is a group of one.
+    Shape* c = shapes.AddShape(AutoShape::Rectangle, 0, 0, 10, 10);
+    c->SetName("tallix iteration 1");
+    Shape* single = shapes.Group({"tallix iteration 1"});
+    EXPECT_EQ(single->Kind(), ShapeKind::Group);
+    EXPECT_EQ(single->GroupItems()->Count(), 1);
 }
 
 TEST_F(MemoryHostTest, DeletingAShapeTakesItsAnimationAndUnusedPictureAlong)
