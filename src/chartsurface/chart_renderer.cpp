@@ -1,6 +1,6 @@
 #include "chartsurface/chart_renderer.h"
 
-#include "chartsurface/format_float.h"
+#include "foundation/format_float.h"
 
 #include <QFontDatabase>
 #include <QFontMetricsF>

@@ -1,7 +1,7 @@
 // Model operations of the chart surface: series classes, points, sorting, paging, null
 // points, number pictures and tools.
 #include "chartsurface/chart_model.h"
-#include "chartsurface/format_float.h"
+#include "foundation/format_float.h"
 #include "foundation/vb_error.h"
 
 #include <gtest/gtest.h>

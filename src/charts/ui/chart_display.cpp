@@ -2,7 +2,7 @@
 
 #include "charts/chart_colours.h"
 #include "charts/collation.h"
-#include "chartsurface/format_float.h"
+#include "foundation/format_float.h"
 #include "chartwindow/ui/frm_tchart.h"
 #include "chartwindow/ui/refresh_tchart.h"
 #include "foundation/error_report.h"

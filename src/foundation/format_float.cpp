@@ -1,4 +1,4 @@
-#include "chartsurface/format_float.h"
+#include "foundation/format_float.h"
 
 #include <QRegularExpression>
 
