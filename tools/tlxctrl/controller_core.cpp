@@ -209,10 +209,16 @@ void ControllerCore::openVote()
     paused_ = false;
     voteStartMs_ = nowMs();
     pausedTotalMs_ = 0;
+    ++startVotes_;
+    voteScript_.clear();
+    for (const ScriptEntry& e : options_.script)
+        if (e.playsAt(startVotes_))
+            voteScript_.append(e);
     scriptNext_ = 0;
 
     const QList<BaseConfig> bases = config_.basesInUse();
-    log_.write(QString("vote opened: options=%1 StartFrom=%2 VoteType=%3 Limits=%4 bases=%5")
+    log_.write(QString("vote opened (StartVote %1): options=%2 StartFrom=%3 VoteType=%4 Limits=%5 bases=%6")
+                   .arg(startVotes_)
                    .arg(setup_.options)
                    .arg(setup_.startFrom)
                    .arg(setup_.voteType)
@@ -253,7 +259,7 @@ void ControllerCore::closeVote(const QString& why)
                    .arg(voteElapsedMs())
                    .arg(sent)
                    .arg(scriptNext_)
-                   .arg(options_.script.size()));
+                   .arg(voteScript_.size()));
 }
 
 void ControllerCore::setPaused(bool paused)
@@ -275,9 +281,9 @@ void ControllerCore::setPaused(bool paused)
 void ControllerCore::armScript()
 {
     scriptTimer_->setEnabled(false);
-    if (!voteOpen_ || paused_ || scriptNext_ >= options_.script.size())
+    if (!voteOpen_ || paused_ || scriptNext_ >= voteScript_.size())
         return;
-    const qint64 delay = options_.script[scriptNext_].atMs - voteElapsedMs();
+    const qint64 delay = voteScript_[scriptNext_].atMs - voteElapsedMs();
     scriptTimer_->setInterval(int(std::clamp<qint64>(delay, 1, 24 * 3600 * 1000)));
     scriptTimer_->setEnabled(true);
 }
@@ -286,9 +292,9 @@ void ControllerCore::runScriptDue()
 {
     scriptTimer_->setEnabled(false);
     const qint64 elapsed = voteElapsedMs();
-    while (voteOpen_ && !paused_ && scriptNext_ < options_.script.size()
-           && options_.script[scriptNext_].atMs <= elapsed) {
-        const ScriptEntry& e = options_.script[scriptNext_++];
+    while (voteOpen_ && !paused_ && scriptNext_ < voteScript_.size()
+           && voteScript_[scriptNext_].atMs <= elapsed) {
+        const ScriptEntry& e = voteScript_[scriptNext_++];
         switch (e.kind) {
         case ScriptEntry::Kind::Text:
             broadcast(wire::FromTLXCtrl(e.text));

@@ -101,6 +101,8 @@ private:
     qint64 voteStartMs_ = 0;
     qint64 pausedAtMs_ = 0;
     qint64 pausedTotalMs_ = 0;
+    int startVotes_ = 0;            // received since the controller started
+    QList<ScriptEntry> voteScript_; // the script lines bound to the open vote, and the unbound
     int scriptNext_ = 0;
 };
 

@@ -95,7 +95,7 @@ int TlxctrlMain(int argc, char** argv)
     parser.addHelpOption();
     const QCommandLineOption configOpt("config", "Read the bases from FILE instead of tlxctrl.ini.", "FILE");
     const QCommandLineOption simulateOpt("simulate", "N keypads vote at random after StartVote, RATE records a second (default 10).", "N[:RATE]");
-    const QCommandLineOption scriptOpt("script", "Send the timed texts of FILE after each StartVote.", "FILE");
+    const QCommandLineOption scriptOpt("script", "Send the timed texts of FILE after each StartVote; a line that starts with @N only after the N-th.", "FILE");
     const QCommandLineOption logOpt("log", "Append a time-stamped line per received command to FILE (default: stderr).", "FILE");
     const QCommandLineOption seedOpt("seed", "Seed of the simulated room (default: from the time).", "N");
     const QCommandLineOption idleOpt("idle-exit", "Exit after SECONDS with no client (default 600; 0: never).", "SECONDS", "600");

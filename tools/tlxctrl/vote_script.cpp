@@ -55,20 +55,37 @@ ScriptResult ParseVoteScript(const QString& text, const QString& fileName)
             continue;
         // Blanks inside and at the end of the text are part of what the bases send;
         // only those between the time and the text are not.
-        qsizetype start = 0;
-        while (start < raw.size() && raw[start].isSpace())
-            ++start;
-        qsizetype sep = start;
-        while (sep < raw.size() && !raw[sep].isSpace())
-            ++sep;
-        const QString timeText = raw.mid(start, sep - start);
+        qsizetype pos = 0;
+        auto nextWord = [&] {
+            while (pos < raw.size() && raw[pos].isSpace())
+                ++pos;
+            const qsizetype begin = pos;
+            while (pos < raw.size() && !raw[pos].isSpace())
+                ++pos;
+            return raw.mid(begin, pos - begin);
+        };
+        QString timeText = nextWord();
+        int opening = 0;
+        if (timeText.startsWith('@')) {
+            bool openingOk = false;
+            opening = timeText.mid(1).toInt(&openingOk);
+            if (!openingOk || opening < 1) {
+                fail(ln, QString("\"%1\" is not a StartVote number (use @1, @2, ...)").arg(timeText));
+                continue;
+            }
+            timeText = nextWord();
+            if (timeText.isEmpty()) {
+                fail(ln, QString("no time after @%1").arg(opening));
+                continue;
+            }
+        }
         bool ok = false;
         const double seconds = timeText.toDouble(&ok);
         if (!ok || !std::isfinite(seconds) || seconds < 0 || seconds > kMaxSeconds) {
             fail(ln, QString("\"%1\" is not a time in seconds after StartVote").arg(timeText));
             continue;
         }
-        qsizetype body0 = sep;
+        qsizetype body0 = pos;
         while (body0 < raw.size() && raw[body0].isSpace())
             ++body0;
         if (body0 >= raw.size()) {
@@ -79,6 +96,7 @@ ScriptResult ParseVoteScript(const QString& text, const QString& fileName)
         ScriptEntry e;
         e.atMs = std::llround(seconds * 1000.0);
         e.line = ln;
+        e.opening = opening;
         if (body.startsWith('!')) {
             const QString directive = body.mid(1).section(' ', 0, 0).toLower();
             const QString rest = body.mid(1).section(' ', 1);

@@ -4,8 +4,12 @@
 //   # comment
 //   0.5 [12;3],[14;1],\r\n
 //   2   !baseerror 1 Base 1 not responding
+//   @2 0.5 [12;1],\r\n
 //
-// Each line is <seconds-after-StartVote> <text>. The text is sent as one FromTLXCtrl
+// Each line is [@N] <seconds-after-StartVote> <text>. A line bound with @N plays only
+// after the N-th StartVote this controller receives (from 1, since it started), so a
+// series that opens the vote once per selection can be given different votes in each;
+// an unbound line plays after every StartVote. The text is sent as one FromTLXCtrl
 // event after the escapes \r \n \t \\ are turned into their characters. A text starting
 // with "!" is a directive instead (\! sends a literal "!"):
 //   !baseerror <base> <message>     a FromTLXCtrlBaseError event
@@ -25,6 +29,8 @@ struct ScriptEntry {
     QString text;  // the unescaped text, the error message or the allowed-votes text
     int base = 0;  // for BaseError
     int line = 0;  // line of the script, for the log
+    int opening = 0; // 0: after every StartVote; N: only after the N-th
+    bool playsAt(int startVote) const { return opening == 0 || opening == startVote; }
 };
 
 struct ScriptResult {

@@ -174,6 +174,47 @@ TEST(TlxctrlCore, TheScriptReplaysAfterEveryStartVoteAndWaitsOutAPause)
     EXPECT_EQ(h.texts(), QStringList{"[1;2],\r\n"});
 }
 
+TEST(TlxctrlCore, BoundScriptLinesPlayOnlyAfterTheirStartVote)
+{
+    CoreOptions o;
+    o.heartbeatMs = 0;
+    o.script = ParseVoteScript("0.1 every\n"
+                               "@2 0.2 second\n"
+                               "@3 0.3 third\n"
+                               "@3 0.05 third early\n")
+                   .entries;
+    Harness h(o);
+    // A series opens the vote again for each selection, without an EndVote between.
+    const auto openSelection = [&](int n) { h.sendAll({"options=3", QString("StartFrom=%1").arg(3 * n + 1), "StartVote"}); };
+
+    openSelection(0);
+    h.clock.advanceMs(1000);
+    EXPECT_EQ(h.texts(), QStringList{"every"});
+
+    openSelection(1);
+    h.clock.advanceMs(1000);
+    EXPECT_EQ(h.texts(), (QStringList{"every", "second"}));
+
+    openSelection(2);
+    h.clock.advanceMs(100);
+    EXPECT_EQ(h.texts(), (QStringList{"third early", "every"}));
+    h.send("EndVote"); // before "third" was due
+
+    h.send("StartVote");
+    h.clock.advanceMs(1000);
+    EXPECT_EQ(h.texts(), QStringList{"every"});
+    h.send("EndVote");
+
+    // Each closing counts the lines of its own opening.
+    static const QRegularExpression counts("vote opened \\(StartVote (\\d+)\\)|(\\d+ of \\d+) script lines sent");
+    QStringList seen;
+    for (auto it = counts.globalMatch(h.logText()); it.hasNext();) {
+        const auto m = it.next();
+        seen << (m.hasCaptured(1) ? "open " + m.captured(1) : m.captured(2));
+    }
+    EXPECT_EQ(seen.join(", ").toStdString(), "open 1, 1 of 1, open 2, 2 of 2, open 3, 2 of 3, open 4, 1 of 1");
+}
+
 TEST(TlxctrlCore, BadInputIsLoggedAndServiceGoesOn)
 {
     Harness h;

@@ -43,6 +43,35 @@ TEST(TlxctrlScript, LinesBecomeTimedEntriesInTimeOrder)
     EXPECT_EQ(r.entries[1].base, 2);
 }
 
+TEST(TlxctrlScript, AnAtPrefixBindsALineToOneStartVote)
+{
+    struct Case {
+        const char* line;
+        int opening;
+        qint64 ms;
+        Kind kind;
+        const char* text;
+    } cases[] = {
+        {"0.5 [1;2],", 0, 500, Kind::Text, "[1;2],"},
+        {"@2 0.5 [12;3],\\r\\n", 2, 500, Kind::Text, "[12;3],\r\n"},
+        {"  @10\t1.25\t[4;1], ", 10, 1250, Kind::Text, "[4;1], "},
+        {"@1 3 !die", 1, 3000, Kind::Die, ""},
+        {"@3 0 !allowedvotes 1,2", 3, 0, Kind::AllowedVotes, "1,2"},
+        {"0.5 @2 is text", 0, 500, Kind::Text, "@2 is text"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.line);
+        const ScriptResult r = ParseVoteScript(QString(c.line) + "\n");
+        ASSERT_TRUE(r.ok()) << r.errors.join('\n').toStdString();
+        ASSERT_EQ(r.entries.size(), 1);
+        const ScriptEntry& e = r.entries[0];
+        EXPECT_EQ(e.opening, c.opening);
+        EXPECT_EQ(e.atMs, c.ms);
+        EXPECT_EQ(e.kind, c.kind);
+        EXPECT_EQ(e.text, c.text);
+    }
+}
+
 TEST(TlxctrlScript, BadLinesAreNamedAndTheRestStillParses)
 {
     struct Case {
@@ -57,6 +86,15 @@ TEST(TlxctrlScript, BadLinesAreNamedAndTheRestStillParses)
         {"1 [1;2],\\", "lone \\"},
         {"1 !explode", "unknown directive !explode"},
         {"1 !baseerror x gone", "!baseerror needs a base index"},
+        {"@0 1 [1;2],", "\"@0\" is not a StartVote number"},
+        {"@-1 1 [1;2],", "\"@-1\" is not a StartVote number"},
+        {"@x 1 [1;2],", "\"@x\" is not a StartVote number"},
+        {"@ 1 [1;2],", "\"@\" is not a StartVote number"},
+        {"@2x 1 [1;2],", "\"@2x\" is not a StartVote number"},
+        {"@2", "no time after @2"},
+        {"@2   ", "no time after @2"},
+        {"@2 0.5", "no text after the time"},
+        {"@2 soon [1;2],", "\"soon\" is not a time"},
     };
     for (const auto& c : cases) {
         const ScriptResult r = ParseVoteScript(QString("0 [9;1],\\r\\n\n") + c.line + "\n", "s.txt");
