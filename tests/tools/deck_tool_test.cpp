@@ -13,10 +13,12 @@
 #include <QJsonObject>
 #include <QProcess>
 #include <QRandomGenerator>
+#include <QRegularExpression>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QThread>
 #include <QUrl>
+#include <functional>
 #include <gtest/gtest.h>
 
 using namespace tallix;
@@ -177,6 +179,61 @@ TEST_F(DeckToolTest, VotesAndCsvExportReadTheSavedLines)
               "2,Which fruit is best?,16/11/2026,02:31:12,4,Red|Blue\r\n"
               "2,Which fruit is best?,17/11/2026,09:00:01,1,1\r\n"
               "2,Which fruit is best?,17/11/2026,09:00:01,3,2\r\n");
+}
+
+TEST_F(DeckToolTest, ShapesListsEachGroupsMembersUnderIt)
+{
+    ASSERT_EQ(run({"new", deck, "--slides", "1"}), 0) << err.toStdString();
+    {
+        PptxHost host(deck);
+        Shapes& shapes = *host.ActivePresentation()->GetSlides()->Item(1)->GetShapes();
+        const auto add = [&](const QString& name, double left) {
+            Shape* s = shapes.AddShape(AutoShape::Rectangle, left, 10, 20, 30);
+            s->SetName(name);
+            return s;
+        };
+        add("a", 0)->GetTextFrame()->SetText("50%1\rdone");
+        add("b", 30)->SetVisible(false);
+        shapes.Group({"a", "b"})->SetName("inner");
+        add("c", 60);
+        shapes.Group({"inner", "c"})->SetName("outer");
+        add("lone %1", 100);
+        ASSERT_TRUE(host.Commit());
+    }
+
+    ASSERT_EQ(run({"shapes", deck, "1"}), 0) << err.toStdString();
+    const QString group = ShapeKindName(ShapeKind::Group), text = ShapeKindName(ShapeKind::Text);
+    const QStringList lines = out.split('\n', Qt::SkipEmptyParts);
+    const qsizetype first = lines.indexOf(QRegularExpression("^outer\t.*"));
+    ASSERT_GE(first, 0) << out.toStdString();
+    EXPECT_EQ(lines.mid(first).join('\n').toStdString(),
+              QStringList({
+                              "outer\t" + group + "\tvisible\t0,10 80x30\t",
+                              "  inner\t" + group + "\tvisible\t0,10 50x30\t",
+                              "    a\t" + text + "\tvisible\t0,10 20x30\t50%1 / done",
+                              "    b\t" + text + "\thidden\t30,10 20x30\t",
+                              "  c\t" + text + "\tvisible\t60,10 20x30\t",
+                              "lone %1\t" + text + "\tvisible\t100,10 20x30\t",
+                          })
+                  .join('\n')
+                  .toStdString());
+
+    const QJsonArray shapes = json({"shapes", deck, "1"}).array();
+    // Names down the tree, a group's members in brackets; only groups carry "members".
+    const std::function<QString(const QJsonArray&)> tree = [&](const QJsonArray& list) {
+        QStringList parts;
+        for (const QJsonValue& v : list) {
+            const QJsonObject o = v.toObject();
+            EXPECT_EQ(o.contains("members"), o["kind"].toString() == group) << o["name"].toString().toStdString();
+            parts << o["name"].toString() + (o.contains("members") ? "[" + tree(o["members"].toArray()) + "]" : "");
+        }
+        return parts.join(' ');
+    };
+    EXPECT_TRUE(tree(shapes).endsWith("outer[inner[a b] c] lone %1")) << tree(shapes).toStdString();
+    const QJsonObject inner = shapes.at(shapes.size() - 2)["members"][0].toObject();
+    EXPECT_EQ(inner["members"][0]["text"].toString(), "50%1\rdone");
+    EXPECT_FALSE(inner["members"][1]["visible"].toBool());
+    EXPECT_EQ(inner["width"].toDouble(), 50);
 }
 
 TEST_F(DeckToolTest, BadArgumentsAndBadDecksGiveOneMessage)

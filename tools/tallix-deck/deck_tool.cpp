@@ -52,7 +52,9 @@ const QMap<QString, QString> kHelp{
     {"tags", "usage: tallix-deck tags DECK.pptx [SLIDE] [--set NAME=VALUE]... [--delete NAME]... [--json]\n"
              "Changes and lists the tags of the presentation, or of slide SLIDE.\n"},
     {"shapes", "usage: tallix-deck shapes DECK.pptx SLIDE [--json]\n"
-               "Lists the shapes of a slide: name, kind, visible, left, top, width, height (points), text.\n"},
+               "Lists the shapes of a slide: name, kind, visible, left, top, width, height (points), text.\n"
+               "A group's members follow it, indented two blanks a level; with --json a group has\n"
+               "a \"members\" array of the same objects.\n"},
     {"votes", "usage: tallix-deck votes DECK.pptx SLIDE [--json]\n"
               "Lists the saved vote lines of a slide, and the answer of each keypad in the last one.\n"},
     {"export-csv", "usage: tallix-deck export-csv DECK.pptx OUT.csv\n"
@@ -278,6 +280,49 @@ int cmdTags(const QStringList& argv, QTextStream& out)
     return 0;
 }
 
+// Only a group may be asked for its members; the host raises for any other shape.
+QList<Shape*> groupMembers(Shape& s)
+{
+    QList<Shape*> out;
+    if (s.Kind() != ShapeKind::Group)
+        return out;
+    GroupShapes& members = *s.GroupItems();
+    for (int i = 1; i <= members.Count(); ++i)
+        out << members.Item(i);
+    return out;
+}
+
+QString shapeText(Shape& s)
+{
+    return s.HasTextFrame() ? s.GetTextFrame()->Text() : QString();
+}
+
+QJsonObject shapeJson(Shape& s)
+{
+    QJsonObject o{{"name", s.Name()}, {"kind", ShapeKindName(s.Kind())}, {"visible", s.Visible()},
+                  {"left", s.Left()}, {"top", s.Top()}, {"width", s.Width()},
+                  {"height", s.Height()}, {"text", shapeText(s)}};
+    if (s.Kind() == ShapeKind::Group) {
+        QJsonArray members;
+        for (Shape* m : groupMembers(s))
+            members.append(shapeJson(*m));
+        o.insert("members", members);
+    }
+    return o;
+}
+
+// A group's members follow it, two blanks further in for each level of nesting.
+void printShape(QTextStream& out, Shape& s, int depth)
+{
+    const QString geometry = QStringLiteral("%1,%2 %3x%4").arg(s.Left()).arg(s.Top()).arg(s.Width()).arg(s.Height());
+    // One pass over the names and texts, so a "%1" in them stays as it is.
+    out << QStringLiteral("%1%2\t%3\t%4\t%5\t%6\n")
+               .arg(QString(2 * depth, ' '), s.Name(), ShapeKindName(s.Kind()), s.Visible() ? "visible" : "hidden",
+                    geometry, shapeText(s).replace('\r', " / "));
+    for (Shape* m : groupMembers(s))
+        printShape(out, *m, depth + 1);
+}
+
 int cmdShapes(const QStringList& argv, QTextStream& out)
 {
     const Args a = parse(argv, {}, {"json"});
@@ -288,17 +333,10 @@ int cmdShapes(const QStringList& argv, QTextStream& out)
     QJsonArray list;
     for (int i = 1; i <= shapes.Count(); ++i) {
         Shape& s = *shapes.Item(i);
-        const QString text = s.HasTextFrame() ? s.GetTextFrame()->Text() : QString();
-        if (a.flag("json")) {
-            list.append(QJsonObject{{"name", s.Name()}, {"kind", ShapeKindName(s.Kind())}, {"visible", s.Visible()},
-                                    {"left", s.Left()}, {"top", s.Top()}, {"width", s.Width()},
-                                    {"height", s.Height()}, {"text", text}});
-        } else {
-            out << QStringLiteral("%1\t%2\t%3\t%4,%5 %6x%7\t%8\n")
-                       .arg(s.Name(), ShapeKindName(s.Kind()), s.Visible() ? "visible" : "hidden")
-                       .arg(s.Left()).arg(s.Top()).arg(s.Width()).arg(s.Height())
-                       .arg(QString(text).replace('\r', " / "));
-        }
+        if (a.flag("json"))
+            list.append(shapeJson(s));
+        else
+            printShape(out, s, 0);
     }
     if (a.flag("json"))
         print(out, list);
