@@ -14,10 +14,10 @@ void DisplayChart(RunContext& ctx, DisplayChartArgs args)
         NotBuiltYet(ctx, "Common_ChartDisplay", "DisplayChart");
 }
 
-void DisplayMultiChart(RunContext& ctx, short displayBy, short iterations, bool reshow)
+void DisplayMultiChart(RunContext& ctx, short displayBy, short iterations, bool filterSet)
 {
     if (ctx.chartProcedures)
-        ctx.chartProcedures->DisplayMultiChart(displayBy, iterations, reshow);
+        ctx.chartProcedures->DisplayMultiChart(displayBy, iterations, filterSet);
     else
         NotBuiltYet(ctx, "Common_ChartDisplay", "DisplayMultiChart");
 }

@@ -25,7 +25,8 @@ public:
     virtual ~ChartProcedures() = default;
     // On the result window `FrmTChart`, which is loaded first when it is not.
     virtual void DisplayChart(DisplayChartArgs& args) = 0;
-    virtual void DisplayMultiChart(short displayBy, short iterations, bool reshow) = 0;
+    // `filterSet`: the keypad filter is set already and the collation keeps it.
+    virtual void DisplayMultiChart(short displayBy, short iterations, bool filterSet) = 0;
     virtual void DisplayTick() = 0;
     // The live chart of a dynamic count-up, redrawn towards the present totals.
     virtual void DrawDynamicChart() = 0;
@@ -36,7 +37,7 @@ public:
 };
 
 void DisplayChart(RunContext& ctx, DisplayChartArgs args);
-void DisplayMultiChart(RunContext& ctx, short displayBy, short iterations, bool reshow);
+void DisplayMultiChart(RunContext& ctx, short displayBy, short iterations, bool filterSet);
 void DisplayTick(RunContext& ctx);
 void DrawDynamicChart(RunContext& ctx);
 void GrabBackground(RunContext& ctx, const char* formName);

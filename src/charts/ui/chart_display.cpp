@@ -29,9 +29,11 @@ void Step(RunContext& ctx, const char* procedure, F&& f)
     });
 }
 
-OleColor OptionColour(RunContext& ctx, int index) { return OleColor(ctx.optionColours(index)); }
-
 bool IsVoteProgram(RunContext& ctx) { return ctx.app.exeName.compare(QLatin1String("vote"), Qt::CaseInsensitive) == 0; }
+
+} // namespace
+
+OleColor OptionColour(RunContext& ctx, int index) { return OleColor(ctx.optionColours(index)); }
 
 void ApplyMarksFont(RunContext& ctx, TSeries& s)
 {
@@ -54,8 +56,6 @@ void ApplyMarksFont(RunContext& ctx, TSeries& s)
         f.Shadow.Transparency = 0;
     }
 }
-} // namespace
-
 bool IsPieKind(short g) { return g == 0 || g == 1 || g == 13 || g == 14; }
 bool IsVerticalBar(short g) { return g == 2 || g == 3 || g == 9 || g == 12; }
 bool IsHorizontalBar(short g) { return g == 4 || g == 5 || g == 10 || g == 11; }
@@ -357,6 +357,83 @@ void StartAnimation(RunContext& ctx, FrmTChart& form, int chartIndex, int series
     form.setEnabled(true);
 }
 
+void SetPanelMargins(RunContext& ctx, ::tallix::TChart& chart)
+{
+    // In percent of the panel.
+    const short g = ctx.GraphType;
+    const bool vbar = IsVerticalBar(g);
+    TPanel& pn = chart.Panel;
+    pn.MarginTop = 4;
+    if (g == 0 || g == 13) {
+        pn.MarginRight = 3;
+    } else if (g == 1 || g == 14) {
+        pn.MarginRight = 10;
+    } else if (g == 2 || g == 4) {
+        pn.MarginRight = 10;
+        pn.MarginBottom = 8;
+        chart.Walls.Back.Visible = false;
+    } else {
+        pn.MarginRight = 20;
+        pn.MarginBottom = 8;
+    }
+    if (vbar) {
+        pn.MarginTop = 20;
+        pn.MarginRight = 10;
+    }
+    if (ctx.vType == 4)
+        pn.MarginTop = vbar ? 20 : 4;
+}
+
+int AddGraphSeries(RunContext& ctx, ::tallix::TChart& chart, int c, bool rebuild, short g)
+{
+    const bool pie = IsPieKind(g), vbar = IsVerticalBar(g), hbar = IsHorizontalBar(g);
+    const int widthBound = ctx.BarSpacing.ubound();
+    const int depthBound = ctx.BarDepth.ubound();
+    int added = -1;
+    chart.Aspect.Orthogonal = true;
+    const GraphOutlineSettings& o = ctx.GraphOutline;
+    if (g == 13 || g == 14) {
+        TSeries& d = chart.SERIES(added = chart.AddSeries(scDonut)).asDonut();
+        d.PiePen.Visible = o.Visible;
+        d.PiePen.Color = OleColor(o.Colour);
+        d.Circled = true;
+        chart.Aspect.Elevation = ctx.AspectRatio ? ctx.AspectRatio : chart.Aspect.Elevation;
+    } else if (hbar || vbar) {
+        TSeries& b = chart.SERIES(added = chart.AddSeries(hbar ? scHorizBar : scBar));
+        b.BarPen.Visible = false;
+        b.AutoMarkPosition = false;
+        b.BarPen.Visible = o.Visible;
+        b.BarPen.Color = OleColor(o.Colour);
+        b.AutoBarSize = true;
+        b.BarBrush.Style = o.FillStyle;
+        if (o.FillStyle == 1)
+            b.BarPen.Color = OleColor(o.Colour);
+        if (hbar) {
+            if (!rebuild && c <= widthBound && ctx.BarSpacing(c) > 0) {
+                b.AutoBarSize = false;
+                b.BarHeight = int(ctx.BarSpacing(c));
+            }
+        } else if (!rebuild && c <= widthBound && ctx.BarSpacing(c) >= 0) {
+            b.AutoBarSize = false;
+            b.BarWidth = int(ctx.BarSpacing(c));
+        }
+        if (c <= depthBound)
+            b.DepthPercent = ctx.BarDepth(c);
+        if (g == 10 || g == 9)
+            b.BarStyle = 3;
+        else if (g == 11 || g == 12)
+            b.BarStyle = 1;
+    } else if (pie) {
+        TSeries& p = chart.SERIES(added = chart.AddSeries(scPie)).asPie();
+        p.PiePen.Visible = o.Visible;
+        p.PiePen.Color = OleColor(o.Colour);
+        p.Circled = true;
+        chart.Aspect.Elevation = ctx.AspectRatio ? ctx.AspectRatio : chart.Aspect.Elevation;
+    }
+    chart.Aspect.Chart3DPercent = g == 10 ? 30 : 40;
+    return added;
+}
+
 void DisplayChart(RunContext& ctx, FrmTChart& form, DisplayChartArgs& a)
 {
     const char* P = "DisplayChart";
@@ -396,8 +473,6 @@ void DisplayChart(RunContext& ctx, FrmTChart& form, DisplayChartArgs& a)
         if (!a.hidden)
             RefreshTChart(ctx, form, a.sample, 0, 0, 0);
     }
-    const int widthBound = ctx.BarSpacing.ubound();
-    const int depthBound = ctx.BarDepth.ubound();
     const int lastElement = a.withMultiChart ? 1 : 0;
     const int seriesLoop = std::max<int>(a.seriesCount, 1);
 
@@ -408,49 +483,9 @@ void DisplayChart(RunContext& ctx, FrmTChart& form, DisplayChartArgs& a)
             chart.Scroll.Enable = 0;
             for (int s = 0; s < seriesLoop; ++s) {
                 Step(ctx, P, [&] {
-                    chart.Aspect.Orthogonal = true;
-                    const GraphOutlineSettings& o = ctx.GraphOutline;
-                    if (g == 13 || g == 14) {
-                        TSeries& d = chart.SERIES(chart.AddSeries(scDonut)).asDonut();
-                        d.PiePen.Visible = o.Visible;
-                        d.PiePen.Color = OleColor(o.Colour);
-                        d.Circled = true;
-                        chart.Aspect.Elevation = ctx.AspectRatio ? ctx.AspectRatio : chart.Aspect.Elevation;
-                    } else if (hbar || vbar) {
-                        TSeries& b = chart.SERIES(chart.AddSeries(hbar ? scHorizBar : scBar));
-                        b.BarPen.Visible = false;
-                        b.AutoMarkPosition = false;
-                        b.BarPen.Visible = o.Visible;
-                        b.BarPen.Color = OleColor(o.Colour);
-                        b.AutoBarSize = true;
-                        b.BarBrush.Style = o.FillStyle;
-                        if (o.FillStyle == 1)
-                            b.BarPen.Color = OleColor(o.Colour);
-                        if (hbar) {
-                            if (!a.rebuild && c <= widthBound && ctx.BarSpacing(c) > 0) {
-                                b.AutoBarSize = false;
-                                b.BarHeight = int(ctx.BarSpacing(c));
-                            }
-                        } else if (!a.rebuild && c <= widthBound && ctx.BarSpacing(c) >= 0) {
-                            b.AutoBarSize = false;
-                            b.BarWidth = int(ctx.BarSpacing(c));
-                        }
-                        if (c <= depthBound)
-                            b.DepthPercent = ctx.BarDepth(c);
-                        if (g == 10 || g == 9)
-                            b.BarStyle = 3;
-                        else if (g == 11 || g == 12)
-                            b.BarStyle = 1;
-                    } else if (pie) {
-                        TSeries& p = chart.SERIES(chart.AddSeries(scPie)).asPie();
-                        p.PiePen.Visible = o.Visible;
-                        p.PiePen.Color = OleColor(o.Colour);
-                        p.Circled = true;
-                        chart.Aspect.Elevation = ctx.AspectRatio ? ctx.AspectRatio : chart.Aspect.Elevation;
-                    }
+                    AddGraphSeries(ctx, chart, c, a.rebuild != 0, g);
                     if (pie)
                         chart.SERIES(s).Circled = true;
-                    chart.Aspect.Chart3DPercent = g == 10 ? 30 : 40;
                 });
                 SetGradientColour(ctx, form, c, s);
                 if (c == 1)
@@ -537,27 +572,7 @@ void DisplayChart(RunContext& ctx, FrmTChart& form, DisplayChartArgs& a)
                         if (ctx.SeriesPercentVsTotalKpads)
                             series.Marks.Style = 2;
                     }
-                    // Margins in percent of the panel.
-                    TPanel& pn = chart.Panel;
-                    pn.MarginTop = 4;
-                    if (g == 0 || g == 13) {
-                        pn.MarginRight = 3;
-                    } else if (g == 1 || g == 14) {
-                        pn.MarginRight = 10;
-                    } else if (g == 2 || g == 4) {
-                        pn.MarginRight = 10;
-                        pn.MarginBottom = 8;
-                        chart.Walls.Back.Visible = false;
-                    } else {
-                        pn.MarginRight = 20;
-                        pn.MarginBottom = 8;
-                    }
-                    if (vbar) {
-                        pn.MarginTop = 20;
-                        pn.MarginRight = 10;
-                    }
-                    if (ctx.vType == 4)
-                        pn.MarginTop = vbar ? 20 : 4;
+                    SetPanelMargins(ctx, chart);
                     if (!a.rebuild)
                         SetChartDimensions(ctx, form, s);
                     if (vbar || hbar)

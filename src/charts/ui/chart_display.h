@@ -3,6 +3,7 @@
 // paging, sorting, the growing animation and the abstain count.
 
 #include "charts/chart_procedures.h"
+#include "chartsurface/chart_model.h"
 
 #include <QString>
 #include <QtGlobal>
@@ -30,6 +31,13 @@ QString FilterLegendText(QString title, bool orJoin);
 void AdjustChartFont(TChart& chart, int chartIndex, float factor);
 void SetChartDimensions(RunContext& ctx, FrmTChart& form, int chartIndex);
 void SetUpAxes(RunContext& ctx, FrmTChart& form, int chartIndex, int dataChart);
+
+// The series setup that the standard chart and the multi-chart share: one series of the
+// graph type's class on `chart`, element `c`, with its pens, bar sizes and style; its index.
+int AddGraphSeries(RunContext& ctx, TChart& chart, int c, bool rebuild, short graphType);
+void SetPanelMargins(RunContext& ctx, TChart& chart);
+void ApplyMarksFont(RunContext& ctx, TSeries& s);
+OleColor OptionColour(RunContext& ctx, int index);
 
 bool IsPieKind(short graphType);
 bool IsVerticalBar(short graphType);

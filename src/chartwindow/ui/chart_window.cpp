@@ -1,6 +1,7 @@
 #include "chart_window.h"
 
 #include "charts/ui/chart_display.h"
+#include "charts/ui/multi_chart.h"
 #include "chartwindow/ui/frm_tchart.h"
 #include "chartwindow/ui/refresh_tchart.h"
 #include "vote/not_built.h"
@@ -51,9 +52,11 @@ void ChartWindowProcedures::UnloadForm()
 
 void ChartWindowProcedures::DisplayChart(DisplayChartArgs& args) { ::tallix::DisplayChart(ctx_, LoadForm(), args); }
 
-void ChartWindowProcedures::DisplayMultiChart(short, short, bool)
+void ChartWindowProcedures::DisplayMultiChart(short displayBy, short iterations, bool filterSet)
 {
-    NotBuiltYet(ctx_, "Common_ChartDisplay", "DisplayMultiChart");
+    MultiChartArgs args;
+    args.filterSet = filterSet ? 1 : 0;
+    ::tallix::DisplayMultiChart(ctx_, LoadForm(), displayBy, iterations, args);
 }
 
 void ChartWindowProcedures::DisplayTick() { NotBuiltYet(ctx_, "Common_ChartDisplay", "DisplayTick"); }

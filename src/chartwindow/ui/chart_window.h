@@ -19,7 +19,7 @@ public:
     ~ChartWindowProcedures() override;
 
     void DisplayChart(DisplayChartArgs& args) override;
-    void DisplayMultiChart(short displayBy, short iterations, bool reshow) override;
+    void DisplayMultiChart(short displayBy, short iterations, bool filterSet) override;
     void DisplayTick() override;
     void DrawDynamicChart() override;
     void GrabBackground(const char* formName) override;

@@ -210,23 +210,31 @@ void FrmTChart::GraphtoSlide(short index)
         }
 
         if (ctx.vType == 2 && ctx.controllerVoteType != QLatin1String("6")) {
+            // Each statement goes on after a failure: a failed grouping must not also leave
+            // the result hidden and the slide unmarked.
+            host::Shape* group = nullptr;
             Step(ctx, [&] {
-                if (!shapeNames.isEmpty()) {
-                    host::Shape* group = shapes->Group(shapeNames);
-                    group->SetName(QStringLiteral("tallix chart 2"));
-                }
-                if (ctx.ShowGraphs) {
+                group = shapes->Group(shapeNames);
+                group->SetName(QStringLiteral("tallix chart 2"));
+            });
+            if (ctx.ShowGraphs) {
+                Step(ctx, [&] {
                     if (ctx.forms && ctx.forms->IsLoaded(FormName::vCast))
                         ctx.forms->Unload(FormName::vCast);
-                    IgnoringErrors([&] { shapes->Item(QStringLiteral("tallix chart %1").arg(ctx.DisplayBy))->SetVisible(true); });
-                    if (ctx.DisplayBy == 2) {
-                        IgnoringErrors([&] { shapes->Item(QStringLiteral("tallix chart 0"))->SetVisible(false); });
-                        for (int n = 1; n <= ctx.Iterations; ++n)
-                            IgnoringErrors([&] { shapes->Item(QStringLiteral("tallix iteration %1").arg(n))->SetVisible(true); });
-                    }
+                });
+                Step(ctx, [&] { shapes->Item(QStringLiteral("tallix chart %1").arg(ctx.DisplayBy))->SetVisible(true); });
+                if (ctx.DisplayBy == 2) {
+                    Step(ctx, [&] { shapes->Item(QStringLiteral("tallix chart 0"))->SetVisible(false); });
+                    for (int n = 1; group && n <= ctx.Iterations; ++n)
+                        Step(ctx, [&] {
+                            group->GroupItems()->Item(QStringLiteral("tallix iteration %1").arg(n))->SetVisible(true);
+                        });
                 }
-                slide->GetTags()->Add(QStringLiteral("SequenceVote"), slideText);
-            });
+            }
+            // The selections' group is a view of its own, hidden unless it is the one shown.
+            if (group && !(ctx.ShowGraphs && ctx.DisplayBy == 2))
+                Step(ctx, [&] { group->SetVisible(false); });
+            Step(ctx, [&] { slide->GetTags()->Add(QStringLiteral("SequenceVote"), slideText); });
         }
 
         if (ctx.GraphType == 7 && index == -1) {
