@@ -276,11 +276,8 @@ void countSeriesVotes(RunContext& ctx, short filterAlreadySet)
     for (int t = 0; t < rowsHeld; ++t) {
         const float* row = ctx.seriesVotes.row(t);
         double* perIteration = ctx.seriesCounts.row(t);
-        // Weights exist for ten places only; a later iteration has none and adds nothing.
-        const bool weighted = t <= weightsTop;
-        if (!weighted)
-            failures.raised(ErrNo::SubscriptOutOfRange, kOutOfRange);
-        const double iterationWeight = weighted ? ctx.SeriesWeighting(t) : 0.0;
+        // Weights exist for ten places only; a later selection weighs 1.
+        const double iterationWeight = t <= weightsTop ? ctx.SeriesWeighting(t) : 1.0;
         for (int k = 0; k < keypads; ++k) {
             if (filter[k] != 1)
                 continue;
@@ -288,8 +285,6 @@ void countSeriesVotes(RunContext& ctx, short filterAlreadySet)
             if (!(from <= v && v <= options))
                 continue;
             answered[std::size_t(k)] = 1;
-            if (!weighted)
-                continue;
             const int index = int(std::nearbyint(v - from));
             if (index > countsTop) {
                 failures.raised(ErrNo::SubscriptOutOfRange, kOutOfRange);

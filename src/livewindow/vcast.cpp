@@ -475,6 +475,21 @@ void vCastForm::ShowLabels()
 
 void vCastForm::SetOpacity(double level) { view_.setOpacity(level); }
 
+void vCastForm::SetCaption(const QString& text, int fontSize)
+{
+    caption_ = text;
+    captionSize_ = fontSize;
+    lbl_vCastText_Change();
+}
+
+void vCastForm::ResetKeyboardKeypad() { nextKeyboardKeypad = ctx_.firstKeypad - 1; }
+
+void vCastForm::ClearCountDown()
+{
+    countdownStart = 0;
+    countdownRunning = false;
+}
+
 void vCastForm::stopClock()
 {
     tmrCDown_->setEnabled(false);

@@ -67,6 +67,11 @@ public:
     void SetKeypadText(const QString& text) override;
     void ShowLabels() override;
     void SetOpacity(double level) override;
+    void SetCaption(const QString& text, int fontSize) override;
+    void ClearCountDown() override;
+    int IterationCounter() const override { return iterationCounter; }
+    void SetIterationCounter(int n) override { iterationCounter = n; }
+    void ResetKeyboardKeypad() override;
 
     // Events of the window.
     void Form_KeyPress(int keyAscii);
@@ -93,6 +98,7 @@ public:
 
     // Window state, readable by tests.
     qint32 nextKeyboardKeypad = 0;
+    int iterationCounter = 0;   // selections of a series done
     std::array<double, 100> lastHeard{};
     bool barActive = false;
     double countdownStart = 0;

@@ -85,6 +85,16 @@ public:
     virtual void SetKeypadText(const QString&) {}
     virtual void ShowLabels() {}
     virtual void SetOpacity(double) {}
+
+    // --- A series vote: one selection after the other in the same window.
+    // The caption `lbl_vCastText` at a font size of its own.
+    virtual void SetCaption(const QString&, int /*fontSize*/) {}
+    // Forgets the count-down's start, so the next tick starts a full count.
+    virtual void ClearCountDown() {}
+    // The counter of selections done, and the keyboard's keypad cursor.
+    virtual int IterationCounter() const { return 0; }
+    virtual void SetIterationCounter(int) {}
+    virtual void ResetKeyboardKeypad() {}
 };
 
 // The keypads-not-voted window.

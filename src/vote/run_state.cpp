@@ -8,6 +8,7 @@ RunState::RunState()
 {
     // One colour for each of options 0 to 10; options beyond take these again in turn.
     optionColours.redim(10);
+    seriesColours.redim(10);
 }
 RunState::~RunState() = default;
 

@@ -223,6 +223,7 @@ struct RunState {
     bool PPTColourScheme = false;
     GraphOutlineSettings GraphOutline;
     VbArray<qint32> optionColours;
+    VbArray<qint32> seriesColours;   // one per selection of a series, 0..10
     VbArray<double> BarSpacing;
     VbArray<short> BarDepth;
     VbArray<ChartDimension> ChartDimensions;
@@ -276,6 +277,8 @@ struct RunState {
     QString keypadDisplayText;
     qint32 Limits = 0;
     short currentIteration = 0;
+    // The selection whose text results are being written; -1 for the totals.
+    short textResultsIteration = -1;
     short rankItemIndex = 0;
     bool ratingVoteOpen = false;
     short ratingVoteStarted = 0;

@@ -2,6 +2,7 @@
 
 #include "charts/chart_procedures.h"
 #include "charts/collation.h"
+#include "chartwindow/after_result.h"
 #include "controller/comms.h"
 #include "foundation/clock.h"
 #include "foundation/dialogs.h"
@@ -131,16 +132,21 @@ void execRevote(RunContext& ctx, short slideBefore, short slideAfter)
             ctx.currentSlide = slideBefore;
         const QString reference = QString::number(ctx.currentSlide) + ":Revote";
         if (ctx.controllerVoteType != "6" && ctx.UseUserWeighting != 1 && ctx.vType == 2) {
+            if (ctx.seriesVotes.ubound1() < ctx.Iterations - 1 || ctx.seriesVotes.ubound2() < ctx.keypadUniverse - 1)
+                ctx.seriesVotes.redimPreserve(ctx.Iterations, ctx.keypadUniverse);
             for (short i = 0; i <= ctx.Iterations - 1; ++i) {
-                LoadVotes(ctx, reference, i);
-                for (qint32 k = 0; k <= ctx.votes.ubound() - 1; ++k)
-                    if (i <= ctx.seriesVotes.ubound1() && k <= ctx.seriesVotes.ubound2())
-                        ctx.seriesVotes(i, k) = float(tlxVal(ctx.votes(k)));
+                // A selection with no saved line is drawn empty, never with what the live
+                // vote had put in its row.
+                const bool loaded = LoadVotes(ctx, reference, i);
+                for (qint32 k = 0; k <= ctx.seriesVotes.ubound2(); ++k)
+                    ctx.seriesVotes(i, k) = loaded && k <= ctx.votes.ubound() - 1 ? float(tlxVal(ctx.votes(k))) : -1.0f;
             }
             if (slideAfter != 0)
                 ctx.currentSlide = slideAfter;
             DisplayMultiChart(ctx, ctx.DisplayBy, ctx.Iterations, ctx.groupFilter.ubound() > 0);
             GraphtoSlide(ctx, -1);
+            if (ctx.arg1 != "TLXRESHOW")
+                AwaitPresenterAfterResult(ctx);
         } else {
             LoadVotes(ctx, reference, -1);
             if (ctx.GraphType == 6) {

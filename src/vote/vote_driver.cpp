@@ -16,6 +16,7 @@
 #include "vote/forms.h"
 #include "vote/graph_runners.h"
 #include "vote/run_context.h"
+#include "vote/series_runners.h"
 #include "vote/vote_close.h"
 #include "vote/votes_cast_boxes.h"
 
@@ -112,6 +113,21 @@ bool groupPath(RunContext& ctx)
     return true;
 }
 
+// A series whose number of selections was lost or never set would open nothing and
+// still place an empty result: it does not run.
+bool refuseSeriesWithoutSelections(RunContext& ctx)
+{
+    if (ctx.Iterations >= 1)
+        return false;
+    message(ctx,
+            "This series vote has no selections to make. Set the number of selections (Iterations) of the "
+            "question to 1 or more.",
+            MsgBoxStyle::Information);
+    RecordVoteEnd(ctx, "Vote finished");
+    FullShutDown(ctx);
+    return true;
+}
+
 void refuseKeypads(RunContext& ctx)
 {
     if (ctx.vCast)
@@ -162,12 +178,18 @@ void dispatch(RunContext& ctx)
         case 0:
         case 3: DoCountUpGraphVote(ctx); break;
         case 1: DoCountDownGraphVote(ctx); break;
-        case 2: runnerMissing(ctx, "Series"); break;
+        case 2:
+            if (!refuseSeriesWithoutSelections(ctx))
+                DoSeriesGraphVote(ctx);
+            break;
         case 4: doCountUpDynamic(ctx); break;
         default: break;
         }
     } else if (g == 6 || g == 8) {
-        runnerMissing(ctx, "Text");
+        if (v != 2)
+            runnerMissing(ctx, "Text");
+        else if (!refuseSeriesWithoutSelections(ctx))
+            DoSeriesTextVote(ctx);
     } else if (g == 7) {
         ctx.internalRestart = false;
         ctx.ratingVoteOpen = true;

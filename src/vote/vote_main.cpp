@@ -22,6 +22,7 @@
 #include "vote/instances.h"
 #include "vote/not_built.h"
 #include "vote/run_context.h"
+#include "vote/series_runners.h"
 #include "vote/vote_close.h"
 #include "vote/vote_driver.h"
 #include "vote/votes_cast_boxes.h"
@@ -352,6 +353,7 @@ void Main(RunContext& ctx)
         ctx.controllerVoteType = "9";
         LoadDefaultXML(ctx);
         LoadDefaultColours(ctx, -1);
+        ResetSeriesColours(ctx);
         CheckStillOnSlide(ctx);
         ProcessTimeLog(ctx, "ChkPPTSlideNo6");
 

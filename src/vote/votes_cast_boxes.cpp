@@ -109,8 +109,10 @@ void showMakeCast(RunContext& ctx, short options, short iteration)
     Guarded(ctx, kModule, "showMakeCast", false, [&] {
         qint32 count = 0;
         const QString base = ctx.BaseType;
+        // Both arrays hold one element past the last keypad, which is no keypad's vote.
         if (base == "TALLIX" || base == "QVT" || base == "ZMR") {
-            for (qint32 k = 0; k <= ctx.votes.ubound(); ++k) {
+            const qint32 top = std::min(ctx.keypadUniverse - 1, ctx.votes.ubound());
+            for (qint32 k = 0; k <= top; ++k) {
                 const double v = tlxVal(ctx.votes(k));
                 if (v == -2 || (v >= ctx.startFrom && v <= options))
                     ++count;
@@ -118,7 +120,8 @@ void showMakeCast(RunContext& ctx, short options, short iteration)
         } else {
             if (iteration < 0 || iteration > ctx.seriesVotes.ubound1())
                 return;
-            for (qint32 k = 0; k <= ctx.seriesVotes.ubound2(); ++k) {
+            const qint32 top = std::min(ctx.keypadUniverse - 1, ctx.seriesVotes.ubound2());
+            for (qint32 k = 0; k <= top; ++k) {
                 const double v = ctx.seriesVotes(iteration, k);
                 if (v == -2 || (v == 0 && ctx.startFrom == 0) || (v > 0 && v <= options))
                     ++count;

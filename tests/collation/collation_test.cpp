@@ -220,7 +220,7 @@ INSTANTIATE_TEST_SUITE_P(Weights, SeriesWeights,
                                            WeightCase{"NonePositive", 1, "9", {0, -2, 0}, {1, 1}}),
                          [](const auto& info) { return std::string(info.param.name); });
 
-TEST_F(Collation, SeriesCountsWholePeopleAndOnlyTenPlaces)
+TEST_F(Collation, SeriesCountsWholePeopleAndWeighsPlacesPastTheTenthAsOne)
 {
     series(1, 4, {{1, 2, 3, 4}});
     // Half to even, and a record numbered 0 is still weighed.
@@ -229,13 +229,12 @@ TEST_F(Collation, SeriesCountsWholePeopleAndOnlyTenPlaces)
     EXPECT_EQ(valuesOf(ctx.optionCounts), (Totals{2, 4, 0, 1}));
     EXPECT_EQ(ctx.seriesVoterTotal, 4);
 
+    // Weights exist for ten places; the eleventh weighs 1, and nothing is reported.
     series(1, 1, std::vector<std::vector<float>>(11, {1}));
     ctx.ParticipantWeighting = false;
-    ExpectErrorReports eleventhPlace;
     collateSeries();
-    EXPECT_EQ(eleventhPlace.count(), 1);
-    EXPECT_EQ(ctx.optionCounts(0), 10) << "the eleventh place has no weight";
-    EXPECT_TRUE(run.errLog().contains("CollateSeriesVotes"));
+    EXPECT_EQ(ctx.optionCounts(0), 11);
+    EXPECT_EQ(ctx.seriesCounts(10, 0), 1);
 }
 
 TEST(PercentFormat, PlacesAfterThePoint)

@@ -451,7 +451,10 @@ INSTANTIATE_TEST_SUITE_P(
     Table, Dispatch,
     ::testing::Values(DispatchCase{2, 0, "open"}, DispatchCase{13, 0, "open"}, DispatchCase{10, 3, "open"},
                       // Count-downs run on the votes-cast window's clock: see the live vote and program tests.
-                      DispatchCase{2, 2, "refused: Series votes"}, DispatchCase{8, 0, "refused: Text votes"},
+                      // A series with no selections set does not run.
+                      DispatchCase{2, 2, "refused: This series vote has no selections"},
+                      DispatchCase{8, 2, "refused: This series vote has no selections"},
+                      DispatchCase{8, 0, "refused: Text votes"},
                       DispatchCase{6, 1, "refused: Text votes"}, DispatchCase{7, 0, "refused: Rating votes"},
                       DispatchCase{15, 0, "nothing"}));
 
