@@ -26,26 +26,6 @@ namespace tallix {
 namespace {
 
 const char* kModule = "CVote";
-// How long a wait loop may block for the next event: short, so the loop notices its
-// end promptly, but never a spin.
-constexpr int kLoopWaitMs = 10;
-
-bool hasBase(const RunContext& ctx)
-{
-    const QString b = ctx.BaseType.toUpper();
-    return b != "KBOARD" && !b.isEmpty();
-}
-
-bool startVote(RunContext& ctx)
-{
-    return ctx.comms && ctx.comms->StartVote();
-}
-
-void showKeyboardCaption(RunContext& ctx)
-{
-    if (ctx.vCast)
-        ctx.vCast->SetCounterLabel("K'Board", 18);
-}
 
 double timeLeftShown(RunContext& ctx, double current)
 {
@@ -59,14 +39,31 @@ bool resultWindowLoaded(RunContext& ctx)
 
 } // namespace
 
+bool OnKeypadBase(const RunContext& ctx)
+{
+    const QString b = ctx.BaseType.toUpper();
+    return b != "KBOARD" && !b.isEmpty();
+}
+
+bool StartVoteAtBase(RunContext& ctx)
+{
+    return ctx.comms && ctx.comms->StartVote();
+}
+
+void ShowKeyboardCaption(RunContext& ctx)
+{
+    if (ctx.vCast)
+        ctx.vCast->SetCounterLabel("K'Board", 18);
+}
+
 void DoCountUpGraphVote(RunContext& ctx)
 {
     Guarded(ctx, kModule, "DoCountUpGraphVote", true, [&] {
         ResetVoteArrays(ctx);
         ctx.notVotedCount = 0;
         ctx.voteEnded = 0;
-        if (hasBase(ctx)) {
-            if (startVote(ctx)) {
+        if (OnKeypadBase(ctx)) {
+            if (StartVoteAtBase(ctx)) {
                 RefreshKeypadsNotVoted(ctx, true);
                 return;   // the vote stays open, driven by events
             }
@@ -81,9 +78,9 @@ void DoCountUpGraphVote(RunContext& ctx)
             }
             return;
         }
-        showKeyboardCaption(ctx);
+        ShowKeyboardCaption(ctx);
         do {
-            ctx.pump->WaitForEvents(kLoopWaitMs);
+            ctx.pump->WaitForEvents(kVoteLoopWaitMs);
             RefreshKeypadsNotVoted(ctx, false);
         } while (ctx.voteEnded == 0 && ctx.voteCancelled == 0);
     });
@@ -99,11 +96,11 @@ void DoCountDownGraphVote(RunContext& ctx)
         if (ctx.vCast)
             ctx.vCast->BringToFront();
         double timeLeft = ctx.TimeLeft;
-        if (hasBase(ctx)) {
-            if (startVote(ctx)) {
+        if (OnKeypadBase(ctx)) {
+            if (StartVoteAtBase(ctx)) {
                 do {
                     RefreshKeypadsNotVoted(ctx, false);
-                    ctx.pump->WaitForEvents(kLoopWaitMs);
+                    ctx.pump->WaitForEvents(kVoteLoopWaitMs);
                     timeLeft = timeLeftShown(ctx, timeLeft);
                     if (timeLeft < 1 && ctx.countDownExpired >= 2 && !ctx.CountDownManualEnd)
                         break;
@@ -113,9 +110,9 @@ void DoCountDownGraphVote(RunContext& ctx)
             }
         } else {
             if (!ctx.CountDownManualStart)
-                showKeyboardCaption(ctx);
+                ShowKeyboardCaption(ctx);
             do {
-                ctx.pump->WaitForEvents(kLoopWaitMs);
+                ctx.pump->WaitForEvents(kVoteLoopWaitMs);
                 RefreshKeypadsNotVoted(ctx, false);
                 timeLeft = timeLeftShown(ctx, timeLeft);
             } while (ctx.voteEnded == 0 && ctx.voteCancelled == 0 &&
@@ -158,13 +155,13 @@ void doCountUpDynamic(RunContext& ctx)
         ctx.pump->DoEvents();
         if (ctx.vCast)
             ctx.vCast->BringToFront();
-        const bool open = hasBase(ctx) ? startVote(ctx) : true;
-        if (!hasBase(ctx))
-            showKeyboardCaption(ctx);
+        const bool open = OnKeypadBase(ctx) ? StartVoteAtBase(ctx) : true;
+        if (!OnKeypadBase(ctx))
+            ShowKeyboardCaption(ctx);
         if (open) {
             ctx.dynamicChartLastDraw = ctx.clock->secondsSinceMidnight();
             do {
-                ctx.pump->WaitForEvents(kLoopWaitMs);
+                ctx.pump->WaitForEvents(kVoteLoopWaitMs);
                 if (ctx.clock->secondsSinceMidnight() - ctx.dynamicChartLastDraw > 1.0 && ctx.liveChartDirty)
                     DrawDynamicChart(ctx);
             } while (ctx.voteEnded == 0 && ctx.voteCancelled == 0);

@@ -11,4 +11,14 @@ void DoCountDownGraphVote(RunContext& ctx);
 void doCountUpDynamic(RunContext& ctx);
 void EndNormalVote(RunContext& ctx);
 
+// Shared by the runners of every vote kind.
+// How long a wait loop may block for the next event: short, so the loop notices its end
+// promptly, but never a spin.
+constexpr int kVoteLoopWaitMs = 10;
+// A base other than the keyboard: the vote is opened at the controller.
+bool OnKeypadBase(const RunContext& ctx);
+bool StartVoteAtBase(RunContext& ctx);
+// The counter says the keyboard is the base.
+void ShowKeyboardCaption(RunContext& ctx);
+
 } // namespace tallix

@@ -10,6 +10,7 @@
 #include "results/common_io.h"
 #include "results/save_votes.h"
 #include "vote/forms.h"
+#include "vote/graph_runners.h"
 #include "vote/run_context.h"
 #include "vote/text_results.h"
 #include "vote/vote_close.h"
@@ -20,20 +21,6 @@ namespace {
 
 const char* kGraphModule = "CVote";
 const char* kTextModule = "Tvote";
-// How long a wait loop may block for the next event: short, so the loop notices its
-// end promptly, but never a spin.
-constexpr int kLoopWaitMs = 10;
-
-bool hasBase(const RunContext& ctx)
-{
-    const QString b = ctx.BaseType.toUpper();
-    return b != "KBOARD" && !b.isEmpty();
-}
-
-bool startVote(RunContext& ctx)
-{
-    return ctx.comms && ctx.comms->StartVote();
-}
 
 void allocateSelections(RunContext& ctx)
 {
@@ -56,7 +43,7 @@ bool timeIsUp(RunContext& ctx)
 void waitForSelectionEnd(RunContext& ctx, bool refreshNotVoted, bool leaveOnCancel)
 {
     for (;;) {
-        ctx.pump->WaitForEvents(kLoopWaitMs);
+        ctx.pump->WaitForEvents(kVoteLoopWaitMs);
         if (refreshNotVoted)
             RefreshKeypadsNotVoted(ctx, false);
         if (ctx.voteEnded != 0 || (leaveOnCancel && ctx.voteCancelled != 0))
@@ -66,12 +53,6 @@ void waitForSelectionEnd(RunContext& ctx, bool refreshNotVoted, bool leaveOnCanc
             return;
         }
     }
-}
-
-void showKeyboardCaption(RunContext& ctx)
-{
-    if (ctx.vCast)
-        ctx.vCast->SetCounterLabel("K'Board", 18);
 }
 
 // The window and the arrays made ready for the next selection.
@@ -110,7 +91,7 @@ void runSelections(RunContext& ctx, bool openOnBase, Wait wait, AfterWait afterW
     for (ctx.currentIteration = 0; ctx.currentIteration < ctx.Iterations; ++ctx.currentIteration) {
         ctx.votesCast = 0;   // first: the window may take a vote while it is dressed
         StartSeriesIteration(ctx, short(ctx.currentIteration + 1));
-        if (!openOnBase || !hasBase(ctx) || startVote(ctx))
+        if (!openOnBase || !OnKeypadBase(ctx) || StartVoteAtBase(ctx))
             wait();
         afterWait();
         if (ctx.voteEnded != 1) {
@@ -169,12 +150,12 @@ void StartSeriesIteration(RunContext& ctx, short n)
 void DoSeriesGraphVote(RunContext& ctx)
 {
     Guarded(ctx, kGraphModule, "DoSeriesGraphVote", true, [&] {
-        const bool base = hasBase(ctx);
+        const bool base = OnKeypadBase(ctx);
         runSelections(
             ctx, true,
             [&] {
                 if (!base && !ctx.CountDownManualStart)
-                    showKeyboardCaption(ctx);
+                    ShowKeyboardCaption(ctx);
                 waitForSelectionEnd(ctx, false, true);
             },
             [] {});
@@ -203,7 +184,7 @@ void DoSeriesTextVote(RunContext& ctx)
                 } else if (base == "TALLIX" || base == "ZMR" || base == "QVT") {
                     waitForSelectionEnd(ctx, true, true);
                 } else {
-                    showKeyboardCaption(ctx);
+                    ShowKeyboardCaption(ctx);
                     waitForSelectionEnd(ctx, true, false);
                 }
             },

@@ -1,7 +1,7 @@
 // Series votes end to end: a tallix-deck deck, the keyboard base or the controller
 // stand-in, an operator script, the real tallix-vote, and the deck written back.
 
-#include "support/program_sandbox.h"
+#include "vote_program_fixture.h"
 #include "support/qt_print.h"
 
 #include <QFile>
@@ -29,65 +29,12 @@ QByteArray seriesQuestion(int iterations, int graphType = 2, int displayBy = 0, 
         .toUtf8();
 }
 
-class SeriesProgram : public tallix::testing::ProgramTest {
+class SeriesProgram : public tallix::testing::VoteProgramTest {
 protected:
-    void keyboardRoom()
-    {
-        write("appdata/tallix/tlxctrl.ini", "[Controller]\nMaxKeypads=20\n[Base0]\nType=KBOARD\nLow=1\nHigh=20\n");
-    }
-    void startController(const QByteArray& script = {})
-    {
-        ASSERT_TRUE(box.startController(controller, {"--log", dir.filePath("controller.log"), "--script",
-                                                     write("votes.txt", script), "--idle-exit", "60"}));
-    }
-    int vote(const QByteArray& operatorScript)
-    {
-        return run("tallix-vote", {"--deck", deck(), "--operator-script", write("op.txt", operatorScript), "TLXVOTE,2"});
-    }
-    QStringList commands()
-    {
-        QFile f(dir.filePath("controller.log"));
-        f.open(QIODevice::ReadOnly);
-        QStringList out;
-        for (const QString& line : QString::fromUtf8(f.readAll()).split('\n')) {
-            const qsizetype at = line.indexOf("command ");
-            if (at >= 0)
-                out << line.mid(at + 8).trimmed();
-        }
-        return out;
-    }
-    // The question slide's tags; slide 0 the presentation's.
-    QJsonObject tags(int slide = 2)
-    {
-        QString out;
-        QStringList args{"tags", deck()};
-        if (slide)
-            args << QString::number(slide);
-        run("tallix-deck", args << "--json", 30000, &out);
-        return QJsonDocument::fromJson(out.toUtf8()).object();
-    }
-    QString voteEnd() { return tags(0).value("TLXVOTETERMINATED").toString(); }
-    QString savedVotes() { return tags().value("TLXVOTES").toString(); }
-    QStringList voteLines()
-    {
-        QStringList lines = savedVotes().split("\r\n");
-        lines.removeAll(QString());
-        return lines;
-    }
-    static QStringList tokens(const QString& line) { return line.section(',', 2, 2).split(';'); }
-    QJsonArray shapes()
-    {
-        QString out;
-        run("tallix-deck", {"shapes", deck(), "2", "--json"}, 30000, &out);
-        return QJsonDocument::fromJson(out.toUtf8()).array();
-    }
-    static QJsonObject named(const QJsonArray& list, const QString& name)
-    {
-        for (const QJsonValue& v : list)
-            if (v.toObject().value("name").toString() == name)
-                return v.toObject();
-        return {};
-    }
+    int vote(const QByteArray& operatorScript) { return VoteProgramTest::vote("TLXVOTE,2", operatorScript); }
+    QString savedVotes() { return tags(2).value("TLXVOTES").toString(); }
+    QStringList voteLines() { return VoteProgramTest::voteLines(2); }
+    QJsonArray shapes() { return VoteProgramTest::shapes(2); }
     static QRectF rectOf(const QJsonObject& s)
     {
         return {s.value("left").toDouble(), s.value("top").toDouble(), s.value("width").toDouble(),
@@ -118,7 +65,7 @@ TEST_F(SeriesProgram, KeyboardSelectionsAreSavedALineEachAfterWhatWasThere)
     const QStringList random = tokens(lines[3]);
     for (int k = 0; k < 20; ++k)
         EXPECT_TRUE(QStringList({"1", "2", "3", "4"}).contains(random[k])) << "keypad " << k + 1;
-    EXPECT_TRUE(tags().value("SEQUENCEVOTE").toString() == "2");
+    EXPECT_TRUE(tags(2).value("SEQUENCEVOTE").toString() == "2");
 }
 
 TEST_F(SeriesProgram, EachSelectionOpensTheControllersVoteAndARepeatIsTakenBack)
@@ -160,14 +107,14 @@ TEST_P(SeriesViews, TheChosenViewLandsOnTheSlideAndTheOthersBesideItHidden)
     const ViewCase vc = GetParam();
     keyboardRoom();
     question(2, seriesQuestion(3, vc.graphType, vc.displayBy));
-    const QRectF area = rectOf(named(shapes(), "tallix chart sample"));
+    const QRectF area = rectOf(shapeNamed(shapes(), "tallix chart sample"));
     ASSERT_FALSE(area.isEmpty());
     startController();
     ASSERT_EQ(vote("1 key g\n2 key g\n3 key g\n5 key Space\n"), 0);
 
     const QJsonArray list = shapes();
     for (int element : {0, 1}) {
-        const QJsonObject pic = named(list, QStringLiteral("tallix chart %1").arg(element));
+        const QJsonObject pic = shapeNamed(list, QStringLiteral("tallix chart %1").arg(element));
         ASSERT_EQ(pic.value("kind").toString(), "picture") << element;
         EXPECT_EQ(pic.value("visible").toBool(), vc.displayBy == element) << element;
         const QRectF r = rectOf(pic);
@@ -176,14 +123,14 @@ TEST_P(SeriesViews, TheChosenViewLandsOnTheSlideAndTheOthersBesideItHidden)
         EXPECT_NEAR(r.width(), area.width(), 1.5);
         EXPECT_NEAR(r.height(), area.height(), 1.5);
     }
-    const QJsonObject group = named(list, "tallix chart 2");
+    const QJsonObject group = shapeNamed(list, "tallix chart 2");
     ASSERT_EQ(group.value("kind").toString(), "group");
     EXPECT_EQ(group.value("visible").toBool(), vc.displayBy == 2);
     const QJsonArray members = group.value("members").toArray();
     ASSERT_EQ(members.size(), 3);
     const bool stacked = vc.graphType == 4;
     for (int n = 1; n <= 3; ++n) {
-        const QJsonObject pic = named(members, QStringLiteral("tallix iteration %1").arg(n));
+        const QJsonObject pic = shapeNamed(members, QStringLiteral("tallix iteration %1").arg(n));
         ASSERT_FALSE(pic.isEmpty()) << n;
         EXPECT_EQ(pic.value("visible").toBool(), vc.displayBy == 2) << n;
         const QRectF r = rectOf(pic);
@@ -194,7 +141,7 @@ TEST_P(SeriesViews, TheChosenViewLandsOnTheSlideAndTheOthersBesideItHidden)
                     (stacked ? area.top() : area.left()) + (n - 1) * (stacked ? area.height() : area.width()) / 3, 1.5)
             << n;
     }
-    const QJsonObject slideTags = tags();
+    const QJsonObject slideTags = tags(2);
     EXPECT_EQ(slideTags.value("SEQUENCEVOTE").toString(), "2");
     EXPECT_EQ(slideTags.value("TLXLIVEDATAISVISIBLE").toString(), "This slide has live data visible");
 }
@@ -214,7 +161,7 @@ TEST_F(SeriesProgram, EscRedrawsTheSavedSelectionsAndWaitsForThePresenter)
     // Ctrl+Q on the result runs the add-in's macro: only a window still up can take it.
     ASSERT_EQ(vote("1.5 key Escape\n4 key Ctrl+Q\n"), 0);
     EXPECT_EQ(savedVotes(), saved);
-    const QJsonObject group = named(shapes(), "tallix chart 2");
+    const QJsonObject group = shapeNamed(shapes(), "tallix chart 2");
     EXPECT_EQ(group.value("members").toArray().size(), 3);
     EXPECT_TRUE(group.value("visible").toBool());
     EXPECT_TRUE(voteEnd().startsWith("InstaQ"));
@@ -229,7 +176,7 @@ TEST_F(SeriesProgram, OneSelectionIsStillASeries)
     const QStringList lines = voteLines();
     ASSERT_EQ(lines.size(), 1);
     EXPECT_EQ(lines[0].section(',', 3), "1of1");
-    const QJsonObject group = named(shapes(), "tallix chart 2");
+    const QJsonObject group = shapeNamed(shapes(), "tallix chart 2");
     ASSERT_EQ(group.value("kind").toString(), "group");
     EXPECT_EQ(group.value("members").toArray().size(), 1);
 }
@@ -259,7 +206,7 @@ TEST_F(SeriesProgram, ASeriesWithoutSelectionsSaysSoAndLeavesTheDeckAsItWas)
         question(2, settings);
         ASSERT_EQ(vote("1 key Enter\n2 key g\n3 key Space\n"), 0) << series.toStdString();
         EXPECT_TRUE(savedVotes().isEmpty()) << series.toStdString();
-        EXPECT_TRUE(named(shapes(), "tallix chart 2").isEmpty()) << series.toStdString();
+        EXPECT_TRUE(shapeNamed(shapes(), "tallix chart 2").isEmpty()) << series.toStdString();
         EXPECT_TRUE(voteEnd().startsWith("Vote finished")) << series.toStdString();
     }
 }

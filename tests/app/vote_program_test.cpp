@@ -2,7 +2,7 @@
 // stand-in with a script, an operator script, and the deck written back. These run in
 // real time, each bounded to seconds, each in folders of its own.
 
-#include "support/program_sandbox.h"
+#include "vote_program_fixture.h"
 #include "support/qt_print.h"
 
 #include <QDir>
@@ -20,75 +20,7 @@
 namespace {
 
 
-class VoteProgram : public tallix::testing::ProgramTest {
-protected:
-
-    void startController(const QByteArray& script = {})
-    {
-        ASSERT_TRUE(box.startController(controller, {"--log", dir.filePath("controller.log"), "--script",
-                                                     write("votes.txt", script), "--idle-exit", "60"}));
-    }
-
-    // The commands the controller received, in order.
-    QStringList commands()
-    {
-        QFile f(dir.filePath("controller.log"));
-        f.open(QIODevice::ReadOnly);
-        QStringList out;
-        for (const QString& line : QString::fromUtf8(f.readAll()).split('\n')) {
-            const qsizetype at = line.indexOf("command ");
-            if (at >= 0)
-                out << line.mid(at + 8).trimmed();
-        }
-        return out;
-    }
-
-    // The vote lines saved on a slide, as tallix-deck reads them.
-    QStringList voteLines(int slide)
-    {
-        const QString all = tags(slide).value("TLXVOTES").toString();
-        QStringList lines;
-        for (const QString& l : all.split("\r\n"))
-            if (!l.isEmpty())
-                lines << l;
-        return lines;
-    }
-    // The keypads' tokens of a saved line: "date,time,tokens..."
-    static QStringList tokens(const QString& line) { return line.section(',', 2, 2).split(';'); }
-
-    QJsonArray shapes(int slide)
-    {
-        QString out;
-        run("tallix-deck", {"shapes", deck(), QString::number(slide), "--json"}, 30000, &out);
-        return QJsonDocument::fromJson(out.toUtf8()).array();
-    }
-    static QJsonObject shapeNamed(const QJsonArray& list, const QString& name)
-    {
-        for (const QJsonValue& v : list)
-            if (v.toObject().value("name").toString() == name)
-                return v.toObject();
-        return {};
-    }
-    void keyboardRoom()
-    {
-        write("appdata/tallix/tlxctrl.ini", "[Controller]\nMaxKeypads=20\n[Base0]\nType=KBOARD\nLow=1\nHigh=20\n");
-    }
-    int vote(const QString& launch, const QByteArray& operatorScript, const QStringList& more = {})
-    {
-        return run("tallix-vote", QStringList{"--deck", deck(), "--operator-script", write("op.txt", operatorScript)}
-                                      << more << launch);
-    }
-
-    QJsonObject tags(int slide = 0)
-    {
-        QString out;
-        QStringList args{"tags", deck()};
-        if (slide)
-            args << QString::number(slide);
-        run("tallix-deck", args << "--json", 30000, &out);
-        return QJsonDocument::fromJson(out.toUtf8()).object();
-    }
-};
+using VoteProgram = tallix::testing::VoteProgramTest;
 
 const QByteArray kFourOptions =
     "<tlxfile><vote_info><vType>0</vType><options>4</options><startFrom>1</startFrom></vote_info>"

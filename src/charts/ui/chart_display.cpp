@@ -279,6 +279,23 @@ void SetChartDimensions(RunContext& ctx, FrmTChart& form, int chartIndex)
     });
 }
 
+void ApplyChartFont(RunContext& ctx, TFont& f)
+{
+    if (!ctx.Font.Name.isEmpty())
+        f.Name = ctx.Font.Name;
+    if (ctx.Font.Size > 0)
+        f.Size = ctx.Font.Size;
+    f.Italic = ctx.Font.Italic;
+    f.Color = OleColor(ctx.Font.Colour);
+    f.Underline = ctx.Font.Underline;
+    f.StrikeThrough = ctx.Font.StrikeThrough;
+    f.Shadow.Color = OleColor(ctx.Font.ShadowColour);
+    f.Shadow.Visible = ctx.Font.ShadowVisible;
+    f.Shadow.Transparency = 0;
+    f.Shadow.VertSize = ctx.Font.ShadowVisible ? 2 : 0;
+    f.Shadow.HorizSize = ctx.Font.ShadowVisible ? 2 : 0;
+}
+
 void SetUpAxes(RunContext& ctx, FrmTChart& form, int chartIndex, int /*dataChart*/)
 {
     Step(ctx, "SetUpAxes", [&] {
@@ -293,21 +310,7 @@ void SetUpAxes(RunContext& ctx, FrmTChart& form, int chartIndex, int /*dataChart
             a->MinimumOffset = 4;
             a->MaximumOffset = 4;
             a->Visible = !IsPieKind(g);
-            auto font = [&](TFont& f) {
-                if (!ctx.Font.Name.isEmpty())
-                    f.Name = ctx.Font.Name;
-                if (ctx.Font.Size > 0)
-                    f.Size = ctx.Font.Size;
-                f.Italic = ctx.Font.Italic;
-                f.Color = OleColor(ctx.Font.Colour);
-                f.Underline = ctx.Font.Underline;
-                f.StrikeThrough = ctx.Font.StrikeThrough;
-                f.Shadow.Color = OleColor(ctx.Font.ShadowColour);
-                f.Shadow.Visible = ctx.Font.ShadowVisible;
-                f.Shadow.Transparency = 0;
-                f.Shadow.VertSize = ctx.Font.ShadowVisible ? 2 : 0;
-                f.Shadow.HorizSize = ctx.Font.ShadowVisible ? 2 : 0;
-            };
+            auto font = [&](TFont& f) { ApplyChartFont(ctx, f); };
             font(a->Labels.Font);
             for (int i = 0; i < a->Labels.Count(); ++i)
                 font(a->Labels.Item(i).Font);

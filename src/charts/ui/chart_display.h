@@ -37,6 +37,8 @@ void SetUpAxes(RunContext& ctx, FrmTChart& form, int chartIndex, int dataChart);
 int AddGraphSeries(RunContext& ctx, TChart& chart, int c, bool rebuild, short graphType);
 void SetPanelMargins(RunContext& ctx, TChart& chart);
 void ApplyMarksFont(RunContext& ctx, TSeries& s);
+// The chart's font, with its shadow, as axis labels and titles wear it.
+void ApplyChartFont(RunContext& ctx, TFont& f);
 OleColor OptionColour(RunContext& ctx, int index);
 
 bool IsPieKind(short graphType);

@@ -67,20 +67,6 @@ bool onView(short displayBy, int element)
     }
 }
 
-void applyChartFont(const RunContext& ctx, TFont& f)
-{
-    if (!ctx.Font.Name.isEmpty())
-        f.Name = ctx.Font.Name;
-    if (ctx.Font.Size > 0)
-        f.Size = ctx.Font.Size;
-    f.Italic = ctx.Font.Italic;
-    f.Color = OleColor(ctx.Font.Colour);
-    f.Shadow.Visible = ctx.Font.ShadowVisible;
-    f.Shadow.Color = OleColor(ctx.Font.ShadowColour);
-    f.Shadow.HorizSize = ctx.Font.ShadowVisible ? 2 : 0;
-    f.Shadow.VertSize = ctx.Font.ShadowVisible ? 2 : 0;
-}
-
 // Elements 0 and 1 take the whole window; the selections share it, side by side or,
 // for horizontal bars, one above the other.
 void layOut(FrmTChart& form, int selections, bool stacked)
@@ -177,12 +163,12 @@ void setTitles(RunContext& ctx, TChart& chart, int element, short kind)
     if (IsPieKind(kind)) {
         // A pie has no axes to carry its title.
         chart.Header.Text = QStringList{title};
-        applyChartFont(ctx, chart.Header.Font);
+        ApplyChartFont(ctx, chart.Header.Font);
         return;
     }
     chart.Axis.Left.Title.Caption = title;
     chart.Axis.Left.Title.Angle = 90;
-    applyChartFont(ctx, chart.Axis.Left.Title.Font);
+    ApplyChartFont(ctx, chart.Axis.Left.Title.Font);
 }
 
 void setAxisLabels(RunContext& ctx, TChart& chart, int element, short kind)
