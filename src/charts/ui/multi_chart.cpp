@@ -244,7 +244,9 @@ void buildElement(RunContext& ctx, FrmTChart& form, int c, const SelectionTotals
         Step(ctx, [&] { chart.Axis.Left.Visible = chart.Axis.Bottom.Visible = true; });
     if (ctx.startFrom == 1 && ctx.vType != 2)
         AdjustAxes(ctx, form, c, 0);
-    if (c > 0)
+    // The small selection charts take 60% of the font; the selections side by side fill the
+    // window, and their option numbers would shrink while the scale's did not.
+    if (c >= 2)
         Step(ctx, [&] { AdjustChartFont(chart, c, 0.6f); });
     if (c >= 2)
         Step(ctx, [&] { fixSelectionScale(ctx, chart, totals, kind); });
