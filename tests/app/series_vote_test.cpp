@@ -193,6 +193,21 @@ TEST_F(SeriesProgram, ACountedDownSeriesEndsEachSelectionByTime)
     EXPECT_EQ(tokens(lines[1]).value(0), "3");
 }
 
+TEST_F(SeriesProgram, ATextSeriesOnTheKeyboardSavesItsLinesAndEnds)
+{
+    keyboardRoom();
+    question(2, seriesQuestion(2, 8));
+    startController();
+    // A text series has no chart: it ends by itself once the last selection is saved.
+    ASSERT_EQ(vote("1 key 2\n2 key Space\n3 key 3\n4 key Space\n"), 0);
+    const QStringList lines = voteLines();
+    ASSERT_EQ(lines.size(), 2);
+    EXPECT_EQ(tokens(lines[0]).value(0), "2");
+    EXPECT_EQ(lines[1].section(',', 3), "2of2");
+    EXPECT_EQ(tokens(lines[1]).value(0), "3");
+    EXPECT_TRUE(voteEnd().startsWith("Vote finished"));
+}
+
 TEST_F(SeriesProgram, ASeriesWithoutSelectionsSaysSoAndLeavesTheDeckAsItWas)
 {
     keyboardRoom();

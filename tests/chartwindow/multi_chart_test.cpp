@@ -158,9 +158,14 @@ TEST(MultiChart, OneSelectionIsAGroupOfOneAndARerunReplacesIt)
     SeriesRun r(2, 1);
     r.show(2);
     GraphtoSlide(r.ctx, -1);
+    // Set aside by the slide editor and by a reshow: a rerun keeps them.
+    r.shapes()->AddShape(1, 0, 0, 10, 10)->SetName(QStringLiteral("tallix chart 0 sample-BAK"));
+    r.shapes()->AddShape(1, 0, 0, 10, 10)->SetName(QStringLiteral("reshow 1 tallix chart"));
     r.show(2);
     GraphtoSlide(r.ctx, -1);
     const QStringList names = r.shapeNames();
+    EXPECT_TRUE(names.contains(QStringLiteral("tallix chart 0 sample-BAK")));
+    EXPECT_TRUE(names.contains(QStringLiteral("reshow 1 tallix chart")));
     EXPECT_EQ(names.count(QStringLiteral("tallix chart 2")), 1);
     EXPECT_EQ(names.count(QStringLiteral("tallix chart 0")), 1);
     EXPECT_FALSE(names.contains(QStringLiteral("tallix iteration 1")));   // only inside the group
