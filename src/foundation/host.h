@@ -137,6 +137,9 @@ public:
     virtual QString Paragraph(int index) const = 0; // 1-based
     virtual Font GetFont() const = 0;
     virtual int Alignment() const = 0; // 1 left, 2 centre, 3 right, 4 justify
+    // `TextRange.Font.Name`, `.Size` and `.Color` (0xBBGGRR) of all its text. A glyph
+    // font such as "Wingdings" is set as the symbol font too.
+    virtual void SetFont(const QString& name, double size, long color) = 0;
 };
 
 class Table {
@@ -210,6 +213,8 @@ public:
     virtual Shape* AddShape(int autoShapeType, double left, double top, double width,
                             double height) = 0;
     virtual Shape* AddTextbox(double left, double top, double width, double height) = 0;
+    // `AddTable(rows, columns, ...)`: a table of empty cells, evenly divided.
+    virtual Shape* AddTable(int rows, int columns, double left, double top, double width, double height) = 0;
     // `Range(names).Group`; a single shape makes a group of one, no shape is refused.
     virtual Shape* Group(const QStringList& names) = 0;
     // Pastes what the last `Copy`/`Cut` took, on this slide.

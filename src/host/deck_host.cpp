@@ -93,6 +93,10 @@ public:
     }
     Font GetFont() const override;
     int Alignment() const override;
+    void SetFont(const QString&, double, long) override
+    {
+        Raise(ErrNo::HostUnexpected, QStringLiteral("TextRange.Font : not supported by this host yet."));
+    }
 
 private:
     QStringList paragraphs() const;
@@ -382,6 +386,10 @@ public:
         Op o = addOp(Op::AddTextbox, "TextBox", left, top, width, height);
         const int id = h->perform(o);
         return wrap(o.name, id);
+    }
+    Shape* AddTable(int, int, double, double, double, double) override
+    {
+        Raise(ErrNo::HostUnexpected, QStringLiteral("Shapes.AddTable : not supported by this host yet."));
     }
     Shape* Group(const QStringList& names) override
     {
