@@ -141,6 +141,9 @@ const QStringList kSpPrOrder{"xfrm", "custGeom", "prstGeom", "noFill", "solidFil
                              "blipFill", "pattFill", "grpFill", "ln", "effectLst", "effectDag",
                              "scene3d", "sp3d", "extLst"};
 const QStringList kCNvPrOrder{"hlinkClick", "hlinkHover", "extLst"};
+const QStringList kRPrOrder{"ln", "noFill", "solidFill", "gradFill", "blipFill", "pattFill", "grpFill",
+                            "effectLst", "effectDag", "highlight", "uLnTx", "uLn", "uFillTx", "uFill",
+                            "latin", "ea", "cs", "sym", "hlinkClick", "hlinkMouseOver", "rtl", "extLst"};
 
 QString contentTypeForExtension(const QString& ext)
 {
@@ -203,6 +206,88 @@ QString xmlSafe(const QString& s)
         if (c.unicode() >= 0x20 || c == '\t' || c == '\n' || c == '\r')
             out += c;
     return out;
+}
+
+// Fonts whose characters are pictures. A renderer draws their glyphs only when the
+// run names them as its symbol font too, with the symbol character set.
+bool isGlyphFont(const QString& name)
+{
+    const QString n = name.trimmed();
+    return n.startsWith("Wingdings", Qt::CaseInsensitive) || n.compare("Webdings", Qt::CaseInsensitive) == 0 ||
+           n.compare("Symbol", Qt::CaseInsensitive) == 0 || n.compare("Marlett", Qt::CaseInsensitive) == 0;
+}
+
+void setAttr(pugi::xml_node n, const char* name, const QByteArray& value)
+{
+    if (!n.attribute(name))
+        n.append_attribute(name);
+    n.attribute(name) = value.constData();
+}
+
+// Name, size and colour on one run's properties; everything else it says stays.
+void setRunFont(pugi::xml_node rPr, const QString& name, double size, const QByteArray& rgb)
+{
+    setAttr(rPr, "sz", QByteArray::number(qRound(size * 100)));
+    for (const char* f : {"noFill", "solidFill", "gradFill", "blipFill", "pattFill", "grpFill"})
+        while (pugi::xml_node old = Child(rPr, f))
+            rPr.remove_child(old);
+    pugi::xml_node fill = InsertInOrder(rPr, A(rPr, "solidFill").constData(), kRPrOrder);
+    fill.append_child(A(rPr, "srgbClr").constData()).append_attribute("val") = rgb.constData();
+
+    const bool glyph = isGlyphFont(name);
+    const QByteArray face = utf8(xmlSafe(name));
+    for (const char* which : {"latin", "sym"}) {
+        pugi::xml_node font = Child(rPr, which);
+        if (QByteArray(which) == "sym" && !glyph) {
+            // A symbol font left from before would still turn this text into pictures.
+            if (font)
+                rPr.remove_child(font);
+            continue;
+        }
+        if (font)
+            rPr.remove_child(font); // its panose and character set describe the old font
+        font = InsertInOrder(rPr, A(rPr, which).constData(), kRPrOrder);
+        font.append_attribute("typeface") = face.constData();
+        if (glyph) {
+            font.append_attribute("pitchFamily") = "2";
+            font.append_attribute("charset") = "2";
+        }
+    }
+}
+
+// Column widths (or row heights) that add up to the frame's width (or height), in
+// the proportions they had; a negative total leaves them.
+void fitTableGrid(pugi::xml_node tbl, qint64 cx, qint64 cy)
+{
+    auto fit = [](QList<pugi::xml_node> items, const char* attr, qint64 total) {
+        if (items.isEmpty() || total < 0)
+            return;
+        qint64 before = 0;
+        for (pugi::xml_node n : items)
+            before += qMax<qint64>(0, n.attribute(attr).as_llong());
+        qint64 given = 0;
+        for (int i = 0; i < items.size(); ++i) {
+            qint64 v;
+            if (i == items.size() - 1)
+                v = total - given; // the rounding lands on the last one
+            else if (before > 0)
+                v = qint64(std::llround(double(total) * qMax<qint64>(0, items[i].attribute(attr).as_llong()) / before));
+            else
+                v = total / items.size();
+            v = qMax<qint64>(0, v);
+            given += v;
+            setAttr(items[i], attr, QByteArray::number(v));
+        }
+    };
+    QList<pugi::xml_node> cols, rows;
+    for (pugi::xml_node c : Child(tbl, "tblGrid").children())
+        if (LocalName(c) == "gridCol")
+            cols << c;
+    for (pugi::xml_node r : tbl.children())
+        if (LocalName(r) == "tr")
+            rows << r;
+    fit(cols, "w", cx);
+    fit(rows, "h", cy);
 }
 
 } // namespace
@@ -1107,6 +1192,32 @@ int Deck::apply(const Op& op, const Clip* clip)
         appendShapeNode(part, xml.constData());
         return id;
     }
+    case Op::AddTable: {
+        const int id = nextShapeId(part);
+        QString cells;
+        for (int c = 0; c < op.column; ++c)
+            cells += "<a:tc><a:txBody><a:bodyPr/><a:lstStyle/><a:p><a:endParaRPr lang=\"en-US\"/></a:p></a:txBody><a:tcPr/></a:tc>";
+        QString grid, rows;
+        for (int c = 0; c < op.column; ++c)
+            grid += "<a:gridCol w=\"0\"/>";
+        for (int r = 0; r < op.row; ++r)
+            rows += "<a:tr h=\"0\">" + cells + "</a:tr>";
+        // The presentation's default table style, as the host's own new table takes it.
+        const QByteArray xml =
+            QStringLiteral("<p:graphicFrame><p:nvGraphicFramePr><p:cNvPr id=\"%1\" name=\"%2\"/>"
+                           "<p:cNvGraphicFramePr><a:graphicFrameLocks noGrp=\"1\"/></p:cNvGraphicFramePr><p:nvPr/></p:nvGraphicFramePr>"
+                           "<p:xfrm><a:off x=\"%3\" y=\"%4\"/><a:ext cx=\"%5\" cy=\"%6\"/></p:xfrm>"
+                           "<a:graphic><a:graphicData uri=\"http://schemas.openxmlformats.org/drawingml/2006/table\">"
+                           "<a:tbl><a:tblPr firstRow=\"1\" bandRow=\"1\"><a:tableStyleId>{5C22544A-7EE6-4342-B048-85BDC9FD1C3A}</a:tableStyleId></a:tblPr>"
+                           "<a:tblGrid>%7</a:tblGrid>%8</a:tbl></a:graphicData></a:graphic></p:graphicFrame>")
+                .arg(id).arg(escapeXml(op.name))
+                .arg(emu(op.geometry[0])).arg(emu(op.geometry[1])).arg(emu(op.geometry[2])).arg(emu(op.geometry[3]))
+                .arg(grid, rows)
+                .toUtf8();
+        pugi::xml_node frame = appendShapeNode(part, xml.constData());
+        fitTableGrid(table(frame), emu(op.geometry[2]), emu(op.geometry[3]));
+        return id;
+    }
     case Op::Group: {
         QList<pugi::xml_node> members;
         for (const QString& n : op.names) {
@@ -1215,6 +1326,9 @@ int Deck::apply(const Op& op, const Clip* clip)
         default: r.setHeight(v); break;
         }
         setXfrm(shape, r);
+        // A renderer sizes a table by its columns and rows, not by its frame.
+        if (pugi::xml_node tbl = table(shape); tbl && op.number >= 2)
+            fitTableGrid(tbl, op.number == 2 ? emu(r.width()) : -1, op.number == 3 ? emu(r.height()) : -1);
         break;
     }
     case Op::SetText: {
@@ -1224,8 +1338,15 @@ int Deck::apply(const Op& op, const Clip* clip)
         pugi::xml_node firstP = Child(body, "p");
         pugi::xml_document keep;
         pugi::xml_node pPr = keep.append_copy(Child(firstP, "pPr"));
+        // The first run's look, or, in an empty text, the look its end mark keeps for new text.
         pugi::xml_node rPr = Child(Child(firstP, "r"), "rPr");
-        pugi::xml_node runProps = rPr ? keep.append_copy(rPr) : pugi::xml_node();
+        pugi::xml_node runProps;
+        if (rPr) {
+            runProps = keep.append_copy(rPr);
+        } else if (pugi::xml_node end = Child(firstP, "endParaRPr")) {
+            runProps = keep.append_copy(end);
+            runProps.set_name(A(body, "rPr").constData());
+        }
         QList<pugi::xml_node> old;
         for (pugi::xml_node p : body.children())
             if (LocalName(p) == "p")
@@ -1256,10 +1377,41 @@ int Deck::apply(const Op& op, const Clip* clip)
                     r.append_child(aRPr.constData()).append_attribute("lang") = "en-US";
                 r.append_child(aT.constData()).text() = utf8(xmlSafe(lines[i])).constData();
             }
-            pugi::xml_node end = p.append_child(aEnd.constData());
-            end.append_attribute("lang") = "en-US";
-            if (runProps && runProps.attribute("sz"))
-                end.append_attribute("sz") = runProps.attribute("sz").value();
+            if (runProps) {
+                p.append_copy(runProps).set_name(aEnd.constData());
+            } else {
+                pugi::xml_node end = p.append_child(aEnd.constData());
+                end.append_attribute("lang") = "en-US";
+            }
+        }
+        break;
+    }
+    case Op::SetFont: {
+        pugi::xml_node body = op.row ? tableCellBody(shape, op.row, op.column) : textBody(shape);
+        if (!body)
+            Raise(ErrNo::HostUnexpected, QStringLiteral("This shape does not have a text frame."));
+        const uint bgr = uint(op.number) & 0xFFFFFF;
+        const QByteArray rgb =
+            QByteArray::number(((bgr & 0xFF) << 16) | (bgr & 0xFF00) | ((bgr >> 16) & 0xFF), 16).rightJustified(6, '0').toUpper();
+        const QByteArray aRPr = A(body, "rPr"), aEnd = A(body, "endParaRPr");
+        for (pugi::xml_node p : body.children()) {
+            if (LocalName(p) != "p")
+                continue;
+            for (pugi::xml_node r : p.children()) {
+                const QString local = LocalName(r);
+                if (local != "r" && local != "br" && local != "fld")
+                    continue;
+                pugi::xml_node props = Child(r, "rPr");
+                if (!props)
+                    props = r.prepend_child(aRPr.constData());
+                setRunFont(props, op.name, op.geometry[0], rgb);
+            }
+            pugi::xml_node end = Child(p, "endParaRPr");
+            if (!end) {
+                end = p.append_child(aEnd.constData());
+                end.append_attribute("lang") = "en-US";
+            }
+            setRunFont(end, op.name, op.geometry[0], rgb);
         }
         break;
     }

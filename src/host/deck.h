@@ -18,16 +18,16 @@ struct Font;
 struct Op {
     enum Kind {
         TagSet, TagAppend, TagDelete,
-        Rename, SetVisible, SetGeometry, SetText, SetLockAspect, ClearAnimation,
+        Rename, SetVisible, SetGeometry, SetText, SetFont, SetLockAspect, ClearAnimation,
         SetFillVisible, SetLineVisible, ZOrder, Delete,
-        AddPicture, AddShape, AddTextbox, Group, Paste,
+        AddPicture, AddShape, AddTextbox, AddTable, Group, Paste,
     };
     Kind kind = TagSet;
     qint64 slideId = 0; // 0 with a tag operation: the presentation's tags
     bool notes = false; // the shape is on the slide's notes page
     QString shape;      // the shape's name
     int shapeId = 0;    // which one, when several share the name
-    int row = 0, column = 0;
+    int row = 0, column = 0; // a table cell's text; with AddTable, the table's size
     QString name, value;
     int number = 0;
     double geometry[4] = {0, 0, 0, 0};

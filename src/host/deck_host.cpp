@@ -93,10 +93,7 @@ public:
     }
     Font GetFont() const override;
     int Alignment() const override;
-    void SetFont(const QString&, double, long) override
-    {
-        Raise(ErrNo::HostUnexpected, QStringLiteral("TextRange.Font : not supported by this host yet."));
-    }
+    void SetFont(const QString& name, double size, long color) override;
 
 private:
     QStringList paragraphs() const;
@@ -280,6 +277,23 @@ Font TextFrameImpl::GetFont() const
     return s->h->deck().font(s->part(), s->node(), cellOrBody(s, row, column));
 }
 
+void TextFrameImpl::SetFont(const QString& name, double size, long color)
+{
+    // The host's own limits for a font size, in points.
+    if (!(size >= 1 && size <= 4000))
+        Raise(ErrNo::ItemNotFound, QStringLiteral("Font.Size : The specified value is out of range."));
+    if (name.trimmed().isEmpty())
+        Raise(ErrNo::ItemNotFound, QStringLiteral("Font.Name : The specified value is out of range."));
+    cellOrBody(s, row, column);
+    Op o = s->op(Op::SetFont);
+    o.row = row;
+    o.column = column;
+    o.name = name;
+    o.geometry[0] = size;
+    o.number = int(color & 0xFFFFFF);
+    s->h->perform(o);
+}
+
 int TextFrameImpl::Alignment() const { return Deck::alignment(cellOrBody(s, row, column)); }
 
 int TableImpl::RowCount() const
@@ -387,9 +401,16 @@ public:
         const int id = h->perform(o);
         return wrap(o.name, id);
     }
-    Shape* AddTable(int, int, double, double, double, double) override
+    Shape* AddTable(int rows, int columns, double left, double top, double width, double height) override
     {
-        Raise(ErrNo::HostUnexpected, QStringLiteral("Shapes.AddTable : not supported by this host yet."));
+        // The host's own limits for a new table.
+        if (rows < 1 || rows > 75 || columns < 1 || columns > 75)
+            Raise(ErrNo::ItemNotFound, QStringLiteral("Shapes.AddTable : The specified value is out of range."));
+        Op o = addOp(Op::AddTable, "Table", left, top, width, height);
+        o.row = rows;
+        o.column = columns;
+        const int id = h->perform(o);
+        return wrap(o.name, id);
     }
     Shape* Group(const QStringList& names) override
     {

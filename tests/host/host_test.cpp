@@ -217,6 +217,128 @@ TEST_F(MemoryHostTest, TextIsReadAndWrittenByParagraph)
     EXPECT_EQ(shapes.Item("Title 1")->PlaceholderFormatType(), PlaceholderType::Title);
 }
 
+// Every run properties element of a text body: runs, breaks and paragraph ends.
+QList<pugi::xml_node> runProperties(pugi::xml_node body)
+{
+    QList<pugi::xml_node> out;
+    for (pugi::xml_node p : body.children())
+        for (pugi::xml_node c : p.children()) {
+            if (LocalName(c) == "endParaRPr")
+                out << c;
+            else if (pugi::xml_node rPr = Child(c, "rPr"))
+                out << rPr;
+        }
+    return out;
+}
+
+TEST_F(MemoryHostTest, FontIsSetOnAllTextAndKeptForNewText)
+{
+    Shape* box = shapes.AddTextbox(10, 10, 200, 50);
+    box->SetName("box");
+    box->GetTextFrame()->SetText(QString("first") + QChar(11) + "line\rsecond");
+    shapes.AddTextbox(10, 100, 200, 50)->SetName("empty");
+    shapes.AddTable(1, 2, 10, 200, 200, 30)->SetName("table");
+    struct Case {
+        const char* shape;
+        int row, column; // 0: the shape's own text
+        QString name;
+        double size;
+        long color;
+        const char* rgb;
+        bool glyph;
+    };
+    const Case cases[] = {
+        {"box", 0, 0, "Wingdings", 40, 0x0000FF, "FF0000", true},
+        {"box", 0, 0, "Arial", 24.5, 0x123456, "563412", false}, // the symbol font goes again
+        {"empty", 0, 0, "Wingdings 3", 30, 0xFF0000, "0000FF", true},
+        {"table", 1, 2, "Courier New", 12, 0x00FF00, "00FF00", false},
+    };
+    auto frame = [](Shapes& in, const Case& c) {
+        Shape* s = in.Item(c.shape);
+        return c.row ? s->GetTable()->Cell(c.row, c.column) : s->GetTextFrame();
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name.toStdString());
+        TextFrame& text = *frame(shapes, c);
+        const QString before = text.Text();
+        text.SetFont(c.name, c.size, c.color);
+        EXPECT_EQ(text.Text(), before);
+
+        MemoryHost again(reread(host.deck()), {});
+        Font font = frame(*again.ActivePresentation()->GetSlides()->Item(1)->GetShapes(), c)->GetFont();
+        EXPECT_EQ(font.Name, c.name);
+        EXPECT_EQ(font.Size, c.size);
+        EXPECT_EQ(font.Color, c.color);
+
+        pugi::xml_node shape = host.deck().findShape(host.deck().slidePart(slide.SlideID()), c.shape);
+        pugi::xml_node body = c.row ? Deck::tableCellBody(shape, c.row, c.column) : Deck::textBody(shape);
+        const QList<pugi::xml_node> props = runProperties(body);
+        ASSERT_FALSE(props.isEmpty());
+        for (pugi::xml_node rPr : props) {
+            EXPECT_EQ(QString(Child(Child(rPr, "solidFill"), "srgbClr").attribute("val").value()), c.rgb);
+            EXPECT_EQ(QString::fromUtf8(Child(rPr, "latin").attribute("typeface").value()), c.name);
+            EXPECT_EQ(QString::fromUtf8(Child(rPr, "sym").attribute("typeface").value()), c.glyph ? c.name : "");
+        }
+
+        // Text written afterwards, into a text or into an empty one, keeps the font.
+        text.SetText("x\ry");
+        font = text.GetFont();
+        EXPECT_EQ(font.Name, c.name);
+        EXPECT_EQ(font.Color, c.color);
+        for (pugi::xml_node rPr : runProperties(c.row ? Deck::tableCellBody(shape, c.row, c.column) : Deck::textBody(shape)))
+            EXPECT_EQ(rPr.attribute("sz").as_double(), c.size * 100);
+        text.SetText(before);
+    }
+    EXPECT_EQ(errorNumber([&] { shapes.Item("box")->GetTextFrame()->SetFont("Arial", 0, 0); }), ErrNo::ItemNotFound);
+    EXPECT_EQ(errorNumber([&] { shapes.Item("box")->GetTextFrame()->SetFont("", 12, 0); }), ErrNo::ItemNotFound);
+}
+
+TEST_F(MemoryHostTest, TablesAreAddedEvenlyDividedAndResizedByTheirGrid)
+{
+    Shape* t = shapes.AddTable(2, 3, 10, 20, 300, 61);
+    EXPECT_EQ(t->Name(), QStringLiteral("Table %1").arg(t->Id() - 1));
+    EXPECT_EQ(t->Kind(), ShapeKind::Table);
+    EXPECT_FALSE(t->HasTextFrame());
+    ASSERT_TRUE(t->HasTable());
+    Table& table = *t->GetTable();
+    EXPECT_EQ(table.RowCount(), 2);
+    EXPECT_EQ(table.ColumnCount(), 3);
+    EXPECT_EQ(QRectF(t->Left(), t->Top(), t->Width(), t->Height()), QRectF(10, 20, 300, 61));
+    for (int r = 1; r <= 2; ++r)
+        for (int c = 1; c <= 3; ++c)
+            EXPECT_EQ(table.Cell(r, c)->ParagraphCount(), 1);
+    // A renderer draws columns and rows, so they have to fill the frame exactly.
+    auto grid = [&] {
+        pugi::xml_node tbl = Deck::table(host.deck().findShape(host.deck().slidePart(slide.SlideID()), t->Name()));
+        QList<qint64> widths, heights;
+        for (pugi::xml_node c : Child(tbl, "tblGrid").children())
+            widths << c.attribute("w").as_llong();
+        for (pugi::xml_node r : tbl.children())
+            if (LocalName(r) == "tr")
+                heights << r.attribute("h").as_llong();
+        return std::pair{widths, heights};
+    };
+    EXPECT_EQ(grid().first, (QList<qint64>{1270000, 1270000, 1270000}));
+    EXPECT_EQ(grid().second, (QList<qint64>{387350, 387350})); // 61 pt halved
+    t->SetWidth(600);
+    t->SetHeight(122);
+    EXPECT_EQ(grid().first, (QList<qint64>{2540000, 2540000, 2540000}));
+    EXPECT_EQ(grid().second, (QList<qint64>{774700, 774700}));
+
+    table.Cell(2, 3)->SetText("last");
+    t->SetVisible(false);
+    MemoryHost again(reread(host.deck()), {});
+    Shape& read = *again.ActivePresentation()->GetSlides()->Item(1)->GetShapes()->Item(t->Name());
+    EXPECT_FALSE(read.Visible());
+    EXPECT_EQ(read.GetTable()->Cell(2, 3)->Text(), "last");
+    EXPECT_EQ(read.GetTable()->Cell(1, 1)->Text(), "");
+    read.SetVisible(true);
+    EXPECT_TRUE(read.Visible());
+
+    for (auto [rows, columns] : {std::pair{0, 1}, std::pair{1, 0}, std::pair{76, 1}})
+        EXPECT_EQ(errorNumber([&] { shapes.AddTable(rows, columns, 0, 0, 10, 10); }), ErrNo::ItemNotFound);
+}
+
 TEST_F(MemoryHostTest, ThemeColoursAreBlueGreenRed)
 {
     EXPECT_EQ(pres.ThemeColorScheme(ThemeColor::Accent1), 0xC47244); // 4472C4

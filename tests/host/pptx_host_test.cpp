@@ -303,6 +303,46 @@ TEST_F(PptxHostTest, TableCellsAreReadAndWritten)
         }
 }
 
+TEST_F(PptxHostTest, TablesAndFontsAreMadeAgainOnADeckAnotherProcessWrote)
+{
+    PptxHost first(deckPath), second(deckPath);
+    Shapes& shapes = *first.ActivePresentation()->GetSlides()->Item(1)->GetShapes();
+    Shape* table = shapes.AddTable(1, 2, 100, 50, 300, 30);
+    table->SetName("tlx_object1");
+    table->GetTable()->Cell(1, 1)->SetText("Apple");
+    table->GetTable()->Cell(1, 2)->SetFont("Arial", 20, 0x0000FF);
+    table->SetVisible(false);
+    shapes.Item("Title 1")->GetTextFrame()->SetText("Rated");
+    shapes.Item("Title 1")->GetTextFrame()->SetFont("Wingdings", 28, 0x00FF00);
+    second.ActivePresentation()->GetSlides()->Item(1)->GetShapes()->AddTextbox(1, 1, 50, 20)->SetName("theirs");
+    ASSERT_TRUE(second.Commit());
+    ASSERT_TRUE(first.Commit());
+
+    PptxHost again(deckPath);
+    Shapes& read = *again.ActivePresentation()->GetSlides()->Item(1)->GetShapes();
+    EXPECT_EQ(read.Item("theirs")->Width(), 50);
+    Shape& t = *read.Item("tlx_object1");
+    EXPECT_FALSE(t.Visible());
+    EXPECT_EQ(t.GetTable()->Cell(1, 1)->Text(), "Apple");
+    t.GetTable()->Cell(1, 2)->SetText("42 %"); // the result lands in the cell set up for it
+    t.SetVisible(true);
+    ASSERT_EQ(again.Detach(), "");
+
+    Deck onDisk = Deck::fromFile(deckPath);
+    const QString part = onDisk.slidePart(onDisk.slideIdAt(1));
+    pugi::xml_node frame = onDisk.findShape(part, "tlx_object1");
+    EXPECT_FALSE(Deck::shapeHidden(frame));
+    const Font result = onDisk.font(part, frame, Deck::tableCellBody(frame, 1, 2));
+    EXPECT_EQ(Deck::paragraphs(Deck::tableCellBody(frame, 1, 2)), QStringList{"42 %"});
+    EXPECT_EQ(result.Name, "Arial");
+    EXPECT_EQ(result.Size, 20);
+    EXPECT_EQ(result.Color, 0x0000FF);
+    pugi::xml_node title = onDisk.findShape(part, "Title 1");
+    const Font glyphs = onDisk.font(part, title, Deck::textBody(title));
+    EXPECT_EQ(glyphs.Name, "Wingdings");
+    EXPECT_EQ(glyphs.Color, 0x00FF00);
+}
+
 TEST_F(PptxHostTest, ChangesToAShapeAnotherProcessDeletedAreDropped)
 {
     PptxHost first(deckPath), second(deckPath);
