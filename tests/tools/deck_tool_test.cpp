@@ -111,6 +111,106 @@ TEST_F(DeckToolTest, QuestionMakesTheAgreedShapesAndTag)
     EXPECT_EQ(QString::fromUtf8(d.package().bytes(notes)).count("This slide is a tallix question"), 1);
 }
 
+QRectF rectOf(const QJsonObject& o)
+{
+    return QRectF(o["left"].toDouble(), o["top"].toDouble(), o["width"].toDouble(), o["height"].toDouble());
+}
+
+TEST_F(DeckToolTest, QuestionObjectsAreHiddenTablesOfTheAnswerAndAnEmptyResultCell)
+{
+    makeQuestionDeck();
+    const QStringList base{"question", deck, "2", "--settings", settings, "--chart-area", "500,150,400,300", "--objects"};
+    // Made again with fewer answers, the tables of the old ones go.
+    for (const QStringList& answers : {QStringList{"Apple", "Banana", "Cherry"}, QStringList{"Yes", "No"}}) {
+        SCOPED_TRACE(answers.join('|').toStdString());
+        ASSERT_EQ(run(base + QStringList{"--answers", answers.join('|')}), 0) << err.toStdString();
+        QMap<QString, QJsonObject> objects;
+        QRectF list;
+        for (const QJsonValue& v : json({"shapes", deck, "2"}).array()) {
+            if (v["name"].toString().startsWith("tlx_object"))
+                objects.insert(v["name"].toString(), v.toObject());
+            if (v["name"].toString() == "tlx_answers")
+                list = rectOf(v.toObject());
+        }
+        ASSERT_EQ(objects.size(), answers.size());
+        QList<QRectF> placed;
+        for (int n = 1; n <= answers.size(); ++n) {
+            const QJsonObject t = objects.value(QStringLiteral("tlx_object%1").arg(n));
+            ASSERT_FALSE(t.isEmpty()) << n;
+            EXPECT_EQ(t["kind"].toString(), ShapeKindName(ShapeKind::Table));
+            EXPECT_FALSE(t["visible"].toBool());
+            EXPECT_EQ(t["cells"].toArray(), (QJsonArray{QJsonArray{answers[n - 1], ""}}));
+            const QRectF r = rectOf(t);
+            EXPECT_GE(r.left(), list.right()) << "beside the answers";
+            EXPECT_LE(r.right(), 960);
+            EXPECT_GE(r.width(), 100);
+            EXPECT_GE(r.height(), 20);
+            for (const QRectF& other : placed)
+                EXPECT_FALSE(r.intersects(other)) << n;
+            placed << r;
+        }
+    }
+    ASSERT_EQ(run({"shapes", deck, "2"}), 0);
+    const QStringList line = out.split('\n').filter(QRegularExpression("^tlx_object2\t"));
+    ASSERT_EQ(line.size(), 1) << out.toStdString();
+    EXPECT_TRUE(line[0].startsWith("tlx_object2\ttable\thidden\t")) << line[0].toStdString();
+    EXPECT_TRUE(line[0].endsWith("\tcells: No | ")) << line[0].toStdString();
+}
+
+TEST_F(DeckToolTest, RankMarkersAreHiddenEmptyAndSteppedDownLeftOfTheChart)
+{
+    makeQuestionDeck();
+    const QStringList base{"question", deck, "2", "--settings", settings, "--chart-area", "500,150,400,300"};
+    for (int count : {3, 2}) {
+        ASSERT_EQ(run(base + QStringList{"--rank-markers", QString::number(count)}), 0) << err.toStdString();
+        QStringList names;
+        QList<QRectF> placed;
+        for (const QJsonValue& v : json({"shapes", deck, "2"}).array()) {
+            if (!v["name"].toString().startsWith("tallix rank marker"))
+                continue;
+            names << v["name"].toString();
+            EXPECT_EQ(v["kind"].toString(), ShapeKindName(ShapeKind::Text));
+            EXPECT_FALSE(v["visible"].toBool());
+            EXPECT_EQ(v["text"].toString(), "");
+            placed << rectOf(v.toObject());
+        }
+        QStringList expected;
+        for (int i = 1; i <= count; ++i)
+            expected << QStringLiteral("tallix rank marker 0%1").arg(i);
+        EXPECT_EQ(names, expected);
+        for (int i = 0; i < placed.size(); ++i) {
+            SCOPED_TRACE(i);
+            EXPECT_EQ(placed[i].size(), QSizeF(30, 30));
+            EXPECT_LE(placed[i].right(), 500); // just left of the chart area
+            EXPECT_GE(placed[i].left(), 460);
+            EXPECT_GE(placed[i].top(), 150);
+            EXPECT_LE(placed[i].bottom(), 450);
+            if (i > 0)
+                EXPECT_GE(placed[i].top(), placed[i - 1].bottom()); // one further down per item
+        }
+    }
+}
+
+TEST_F(DeckToolTest, ShapesShowATablesCellsByRow)
+{
+    ASSERT_EQ(run({"new", deck, "--slides", "1"}), 0) << err.toStdString();
+    {
+        PptxHost host(deck);
+        Shape* t = host.ActivePresentation()->GetSlides()->Item(1)->GetShapes()->AddTable(2, 2, 10, 20, 200, 60);
+        t->SetName("grid");
+        Table& table = *t->GetTable();
+        table.Cell(1, 1)->SetText("a");
+        table.Cell(1, 2)->SetText("b %1");
+        table.Cell(2, 1)->SetText("c\rd");
+        ASSERT_TRUE(host.Commit());
+    }
+    ASSERT_EQ(run({"shapes", deck, "1"}), 0) << err.toStdString();
+    EXPECT_TRUE(out.contains("\ngrid\ttable\tvisible\t10,20 200x60\tcells: a | b %1 ; c / d | \n")) << out.toStdString();
+    const QJsonArray shapes = json({"shapes", deck, "1"}).array();
+    EXPECT_EQ(shapes.last()["cells"].toArray(), (QJsonArray{QJsonArray{"a", "b %1"}, QJsonArray{"c\rd", ""}}));
+    EXPECT_FALSE(shapes.first().toObject().contains("cells"));
+}
+
 TEST_F(DeckToolTest, QuestionSlideMatchesGolden)
 {
     // Regenerate with TALLIX_UPDATE_GOLDEN=1 after a deliberate change, and look at the diff.
@@ -256,6 +356,10 @@ TEST_F(DeckToolTest, BadArgumentsAndBadDecksGiveOneMessage)
         {{"question", deck, "1"}, 2, "--settings"},
         {{"question", deck, "1", "--settings", dir.filePath("none.xml")}, 2, "cannot read"},
         {{"question", deck, "1", "--settings", settings, "--chart-area", "1,2,3"}, 2, "L,T,W,H"},
+        {{"question", deck, "1", "--settings", settings, "--rank-markers", "0"}, 2, "--rank-markers needs a number from 1 to 99"},
+        {{"question", deck, "1", "--settings", settings, "--rank-markers", "x"}, 2, "--rank-markers needs a number from 1 to 99"},
+        {{"question", deck, "1", "--settings", settings, "--rank-markers", "100"}, 2, "--rank-markers needs a number from 1 to 99"},
+        {{"question", deck, "1", "--settings", settings, "--rank-markers"}, 2, "--rank-markers needs a value"},
         {{"shapes", deck, "1", "--bogus"}, 2, "unknown option"},
         {{"shapes", deck}, 2, "wrong arguments"},
         {{"tags", deck, "--set", "novalue"}, 2, "NAME=VALUE"},

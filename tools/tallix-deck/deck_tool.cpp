@@ -34,7 +34,8 @@ const char* const kMainHelp =
     "commands:\n"
     "  new OUT.pptx --slides N          a blank 16:9 deck of N slides\n"
     "  question DECK.pptx SLIDE --settings FILE.xml [--answers \"A|B|C\"] [--title TEXT]\n"
-    "           [--chart-area L,T,W,H]  make a slide a question slide\n"
+    "           [--chart-area L,T,W,H] [--objects] [--rank-markers N]\n"
+    "                                   make a slide a question slide\n"
     "  tags DECK.pptx [SLIDE] [--set NAME=VALUE] [--delete NAME] [--json]\n"
     "  shapes DECK.pptx SLIDE [--json]\n"
     "  votes DECK.pptx SLIDE [--json]\n"
@@ -45,16 +46,23 @@ const QMap<QString, QString> kHelp{
     {"new", "usage: tallix-deck new OUT.pptx --slides N\n"
             "Writes a valid blank deck (16:9, one title-and-content layout, a theme) with N slides.\n"},
     {"question", "usage: tallix-deck question DECK.pptx SLIDE --settings FILE.xml [--answers \"A|B|C\"]\n"
-                 "                            [--title TEXT] [--chart-area L,T,W,H]\n"
+                 "                            [--title TEXT] [--chart-area L,T,W,H] [--objects]\n"
+                 "                            [--rank-markers N]\n"
                  "Stores the settings document in the slide's tag tlxVote, marks the notes, and\n"
                  "places the shapes tlx_question, tlx_answers (one paragraph per answer) and\n"
-                 "\"tallix chart sample\" (at the chart area, in points).\n"},
+                 "\"tallix chart sample\" (at the chart area, in points).\n"
+                 "--objects          adds per answer a hidden table tlx_object1, tlx_object2, ... of\n"
+                 "                   one row: the answer, and an empty cell for an object vote's result\n"
+                 "--rank-markers N   adds N (1 to 99) hidden, empty text shapes \"tallix rank marker 01\"\n"
+                 "                   to \"tallix rank marker NN\" left of the chart area, one per item\n"
+                 "Either option replaces the shapes it made before.\n"},
     {"tags", "usage: tallix-deck tags DECK.pptx [SLIDE] [--set NAME=VALUE]... [--delete NAME]... [--json]\n"
              "Changes and lists the tags of the presentation, or of slide SLIDE.\n"},
     {"shapes", "usage: tallix-deck shapes DECK.pptx SLIDE [--json]\n"
                "Lists the shapes of a slide: name, kind, visible, left, top, width, height (points), text.\n"
                "A group's members follow it, indented two blanks a level; with --json a group has\n"
-               "a \"members\" array of the same objects.\n"},
+               "a \"members\" array of the same objects. A table shows its cells, as\n"
+               "\"cells: a | b ; c | d\" or, with --json, a \"cells\" array of rows of cell texts.\n"},
     {"votes", "usage: tallix-deck votes DECK.pptx SLIDE [--json]\n"
               "Lists the saved vote lines of a slide, and the answer of each keypad in the last one.\n"},
     {"export-csv", "usage: tallix-deck export-csv DECK.pptx OUT.csv\n"
@@ -152,12 +160,70 @@ int cmdNew(const QStringList& argv, QTextStream& out)
     return 0;
 }
 
+// Takes away the shapes an earlier run placed, so that a question made again has one set.
+void deleteShapes(Shapes& shapes, const QRegularExpression& names)
+{
+    for (int i = shapes.Count(); i >= 1; --i)
+        if (names.match(shapes.Item(i)->Name()).hasMatch())
+            shapes.Item(i)->Delete();
+}
+
+// One table per answer, in a column just right of the answers, each in line with its
+// answer as far as the answers' font tells: the answer, then the cell for its result.
+void placeObjectTables(Shapes& shapes, const PageSetup& page, Shape& list, const QStringList& answers)
+{
+    deleteShapes(shapes, QRegularExpression("^tlx_object\\d+$"));
+    if (answers.isEmpty())
+        return;
+    const double margin = page.SlideWidth * 0.02;
+    // Wide answers do not push the tables off the slide.
+    const double left = qMin(list.Left() + list.Width() + margin, page.SlideWidth * 0.58);
+    const double width = qMin(page.SlideWidth * 0.4, page.SlideWidth - margin - left);
+    // An answer's pitch in the usual body style: a line (1.2 times the size) at 90 %
+    // spacing, and 10 pt before it.
+    const double pitch = list.GetTextFrame()->GetFont().Size * 1.08 + 10;
+    double height = 30, step = qMax(pitch, height + 4);
+    const double room = page.SlideHeight - margin - list.Top();
+    if (step * answers.size() > room) {
+        step = room / answers.size();
+        height = qMin(height, step * 0.9);
+    }
+    for (int n = 1; n <= answers.size(); ++n) {
+        Shape* t = shapes.AddTable(1, 2, left, list.Top() + (n - 1) * step, width, height);
+        t->SetName(QStringLiteral("tlx_object%1").arg(n));
+        t->GetTable()->Cell(1, 1)->SetText(answers[n - 1]);
+        t->SetVisible(false);
+    }
+}
+
+// Markers for the item being rated: one per item, down the left edge of the chart area.
+void placeRankMarkers(Shapes& shapes, const QRectF& chart, int count)
+{
+    deleteShapes(shapes, QRegularExpression("^tallix rank marker \\d\\d$"));
+    const double band = chart.height() / count;
+    const double size = qMin(30.0, band);
+    for (int i = 1; i <= count; ++i) {
+        Shape* m = shapes.AddTextbox(qMax(0.0, chart.left() - size - 2), chart.top() + (i - 0.5) * band - size / 2,
+                                     size, size);
+        m->SetName(QStringLiteral("tallix rank marker %1").arg(i, 2, 10, QLatin1Char('0')));
+        m->SetVisible(false);
+    }
+}
+
 int cmdQuestion(const QStringList& argv, QTextStream& out)
 {
-    const Args a = parse(argv, {"settings", "answers", "title", "chart-area"}, {});
+    const Args a = parse(argv, {"settings", "answers", "title", "chart-area", "rank-markers"}, {"objects"});
     need(a, 2, "question");
     if (!a.flag("settings"))
         throw UsageError{QStringLiteral("--settings FILE.xml is required")};
+    int markers = 0;
+    if (a.flag("rank-markers")) {
+        bool ok = false;
+        markers = a.value("rank-markers").toInt(&ok);
+        // The names carry two digits.
+        if (!ok || markers < 1 || markers > 99)
+            throw UsageError{QStringLiteral("--rank-markers needs a number from 1 to 99")};
+    }
     QFile file(a.value("settings"));
     if (!file.open(QIODevice::ReadOnly))
         throw UsageError{QStringLiteral("cannot read %1: %2").arg(file.fileName(), file.errorString())};
@@ -232,6 +298,11 @@ int cmdQuestion(const QStringList& argv, QTextStream& out)
     sample->SetWidth(chart.width());
     sample->SetHeight(chart.height());
 
+    if (a.flag("objects"))
+        placeObjectTables(shapes, page, *list, answers);
+    if (markers)
+        placeRankMarkers(shapes, chart, markers);
+
     if (!host.Commit())
         throw UsageError{QStringLiteral("%1 is locked by another process; nothing written").arg(a.positional[0])};
     out << "slide " << slide.SlideIndex() << " of " << a.positional[0] << " is a question slide\n";
@@ -297,11 +368,33 @@ QString shapeText(Shape& s)
     return s.HasTextFrame() ? s.GetTextFrame()->Text() : QString();
 }
 
+// A table's cell texts, row by row; none for any other shape.
+QList<QStringList> tableCells(Shape& s)
+{
+    QList<QStringList> rows;
+    if (!s.HasTable())
+        return rows;
+    Table& table = *s.GetTable();
+    for (int r = 1; r <= table.RowCount(); ++r) {
+        QStringList row;
+        for (int c = 1; c <= table.ColumnCount(); ++c)
+            row << table.Cell(r, c)->Text();
+        rows << row;
+    }
+    return rows;
+}
+
 QJsonObject shapeJson(Shape& s)
 {
     QJsonObject o{{"name", s.Name()}, {"kind", ShapeKindName(s.Kind())}, {"visible", s.Visible()},
                   {"left", s.Left()}, {"top", s.Top()}, {"width", s.Width()},
                   {"height", s.Height()}, {"text", shapeText(s)}};
+    if (s.HasTable()) {
+        QJsonArray rows;
+        for (const QStringList& row : tableCells(s))
+            rows.append(QJsonArray::fromStringList(row));
+        o.insert("cells", rows);
+    }
     if (s.Kind() == ShapeKind::Group) {
         QJsonArray members;
         for (Shape* m : groupMembers(s))
@@ -315,10 +408,17 @@ QJsonObject shapeJson(Shape& s)
 void printShape(QTextStream& out, Shape& s, int depth)
 {
     const QString geometry = QStringLiteral("%1,%2 %3x%4").arg(s.Left()).arg(s.Top()).arg(s.Width()).arg(s.Height());
+    QString text = shapeText(s);
+    if (s.HasTable()) {
+        QStringList rows;
+        for (const QStringList& row : tableCells(s))
+            rows << row.join(" | ");
+        text = "cells: " + rows.join(" ; ");
+    }
     // One pass over the names and texts, so a "%1" in them stays as it is.
     out << QStringLiteral("%1%2\t%3\t%4\t%5\t%6\n")
                .arg(QString(2 * depth, ' '), s.Name(), ShapeKindName(s.Kind()), s.Visible() ? "visible" : "hidden",
-                    geometry, shapeText(s).replace('\r', " / "));
+                    geometry, text.replace('\r', " / "));
     for (Shape* m : groupMembers(s))
         printShape(out, *m, depth + 1);
 }
