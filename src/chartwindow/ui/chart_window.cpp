@@ -1,6 +1,7 @@
 #include "chart_window.h"
 
 #include "charts/ui/chart_display.h"
+#include "charts/ui/marks_and_ticks.h"
 #include "charts/ui/multi_chart.h"
 #include "chartwindow/ui/frm_tchart.h"
 #include "chartwindow/ui/refresh_tchart.h"
@@ -59,7 +60,7 @@ void ChartWindowProcedures::DisplayMultiChart(short displayBy, short iterations,
     ::tallix::DisplayMultiChart(ctx_, LoadForm(), displayBy, iterations, args);
 }
 
-void ChartWindowProcedures::DisplayTick() { NotBuiltYet(ctx_, "Common_ChartDisplay", "DisplayTick"); }
+void ChartWindowProcedures::DisplayTick() { ::tallix::DisplayTick(ctx_, LoadForm()); }
 
 void ChartWindowProcedures::DrawDynamicChart() { NotBuiltYet(ctx_, "CVote", "DrawDynamicChart"); }
 
