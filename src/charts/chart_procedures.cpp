@@ -60,4 +60,40 @@ void GraphtoSlide(RunContext& ctx, short elements)
         NotBuiltYet(ctx, "FrmTChart", "GraphtoSlide");
 }
 
+void DisplayRatingChart(RunContext& ctx, short itemIndex, short showNow, short sample, short filterSet, short rebuild)
+{
+    if (ctx.chartProcedures)
+        ctx.chartProcedures->DisplayRatingChart(itemIndex, showNow, sample, filterSet, rebuild);
+    else
+        NotBuiltYet(ctx, "Common_ChartDisplay", "DisplayRatingChart");
+}
+
+void DisplayRatingDistribution(RunContext& ctx, short itemIndex)
+{
+    if (ctx.chartProcedures)
+        ctx.chartProcedures->DisplayRatingDistribution(itemIndex);
+    else
+        NotBuiltYet(ctx, "Common_ChartDisplay", "DisplayRatingDistribution");
+}
+
+void showRankResultsAll(RunContext& ctx)
+{
+    if (ctx.chartProcedures)
+        ctx.chartProcedures->ShowRankResultsAll();
+    else
+        NotBuiltYet(ctx, "Common_ChartDisplay", "showRankResultsAll");
+}
+
+void RefreshResult(RunContext& ctx)
+{
+    if (ctx.chartProcedures)
+        ctx.chartProcedures->RefreshResult();
+}
+
+void HideRatingDistribution(RunContext& ctx)
+{
+    if (ctx.chartProcedures)
+        ctx.chartProcedures->HideDistribution();
+}
+
 } // namespace tallix

@@ -34,6 +34,17 @@ public:
     virtual void GrabBackground(const char* formName) = 0;
     // The legend of the result chart, when the settings flag it.
     virtual void ShowLegend() {}
+
+    // A rating vote: item `itemIndex` (from 1) as one bar of its own, and the spread of
+    // its marks; the whole set at the end, the best highlighted.
+    virtual void DisplayRatingChart(short /*itemIndex*/, short /*showNow*/, short /*sample*/, short /*filterSet*/,
+                                    short /*rebuild*/) {}
+    virtual void DisplayRatingDistribution(short /*itemIndex*/) {}
+    virtual void ShowRankResultsAll() {}
+    // Redraws the result window's elements over the show's picture.
+    virtual void RefreshResult() {}
+    // The distribution element is hidden before an item's bar is drawn for the slide.
+    virtual void HideDistribution() {}
 };
 
 void DisplayChart(RunContext& ctx, DisplayChartArgs args);
@@ -44,5 +55,11 @@ void GrabBackground(RunContext& ctx, const char* formName);
 void ShowLegend(RunContext& ctx);
 // FrmTChart.GraphtoSlide; -1 (the runtime's true) exports every element.
 void GraphtoSlide(RunContext& ctx, short elements);
+void DisplayRatingChart(RunContext& ctx, short itemIndex, short showNow = 1, short sample = 0, short filterSet = 0,
+                        short rebuild = 0);
+void DisplayRatingDistribution(RunContext& ctx, short itemIndex);
+void showRankResultsAll(RunContext& ctx);
+void RefreshResult(RunContext& ctx);
+void HideRatingDistribution(RunContext& ctx);
 
 } // namespace tallix

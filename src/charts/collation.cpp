@@ -346,6 +346,44 @@ void CollateSeriesVotes(RunContext& ctx, short& filterAlreadySet, short& sample)
     WriteDebugLog(ctx, secondsSince(ctx, t0), "", kModule, "CollateSeriesVotes");
 }
 
+float CollateRatingItem(RunContext& ctx, short itemIndex, short filterSet)
+{
+    return Guarded(ctx, kModule, "CollateRatingItem", ctx.ShowErrors, 0.0f, [&] {
+        const int item = itemIndex - 1;
+        if (item < 0)
+            return 0.0f;
+        if (ctx.ratingAverages.ubound() < item)
+            ctx.ratingAverages.redimPreserve(item);
+        const int marks = std::max<int>(ctx.optionCount + 1, ctx.ratingDistribution.ubound1() + 1);
+        const int items = std::max<int>({ctx.NumberRankVotes, itemIndex, ctx.ratingDistribution.ubound2() + 1});
+        if (marks - 1 != ctx.ratingDistribution.ubound1() || items - 1 != ctx.ratingDistribution.ubound2())
+            ctx.ratingDistribution.redimPreserve(marks - 1, items - 1);
+        // A revote of the item counts it afresh.
+        for (int m = 0; m <= ctx.ratingDistribution.ubound1(); ++m)
+            ctx.ratingDistribution(m, item) = 0;
+        if (filterSet == 0)
+            ctx.groupFilter.redim(ctx.votes.ubound(), 1);
+        const double top = ctx.optionCount - (1 - ctx.startFrom);
+        qint64 counted = 0;
+        double sum = 0;
+        for (int k = 0; k <= ctx.votes.ubound(); ++k) {
+            if (k > ctx.groupFilter.ubound() || ctx.groupFilter(k) != 1)
+                continue;
+            const double mark = tlxVal(ctx.votes(k));
+            if (ctx.votes(k).isEmpty() || mark < ctx.startFrom || mark > top)
+                continue;
+            ++counted;
+            sum += mark;
+            const int index = int(mark) - (ctx.startFrom != 0 ? 1 : 0);
+            if (index >= 0 && index <= ctx.ratingDistribution.ubound1())
+                ctx.ratingDistribution(index, item) += 1;
+        }
+        const float average = float(sum / double(counted == 0 ? 1 : counted));
+        ctx.ratingAverages(item) = average;
+        return average;
+    });
+}
+
 QString GetPercentFormatString(RunContext& ctx)
 {
     QString format = QStringLiteral("0");

@@ -18,7 +18,8 @@
 #include "vote/random_votes.h"
 #include "vote/run_context.h"
 #include "vote/vote_close.h"
-#include "vote/vote_end_stubs.h"
+#include "charts/rank_markers.h"
+#include "vote/rating_runners.h"
 #include "vote/vote_main.h"
 
 #include <QFileInfo>
@@ -537,6 +538,8 @@ void vCastForm::Form_KeyPress(int key)
         } else if (key == 'Q' || key == 'q') {
             RecordVoteEnd(ctx_, "Vote finished");
             ctx_.AutoAdvance = false;
+            if (ctx_.GraphType == 7)
+                hideCurrentRankIndicator(ctx_, ctx_.rankItemIndex);
             FullShutDown(ctx_);
         } else if ((key == 'R' || key == 'r') && ctx_.GraphType != 7) {
             RunRevote();
@@ -718,6 +721,12 @@ void vCastForm::Form_KeyDown(int code, int shift)
                 view_.hideWindow();
             }
             if (SlideHasVotes(ctx_)) {
+                if (ctx_.GraphType == 7) {
+                    // The saved items are drawn afresh, every one of them.
+                    hideCurrentRankIndicator(ctx_, ctx_.rankItemIndex);
+                    if (ctx_.forms)
+                        ctx_.forms->Unload(FormName::FrmTChart);
+                }
                 ctx_.voteCancelled = 1;
                 execRevote(ctx_, 0, 0);
                 FullShutDown(ctx_);

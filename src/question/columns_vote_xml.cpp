@@ -412,10 +412,11 @@ void readRankVote(RunContext& ctx)
             ctx.MarkerCharacter = CInt(v);
         } else if (k.startsWith("RankPosition") && k.size() >= 16) {
             const QChar letter = k[12];
+            // Items are numbered from 1; 0 and items beyond the count are not this reader's.
             const int n = int(tlxVal(k.mid(13, 3)));
-            if (n < 0 || n > ctx.RankPosition.ubound())
-                return; // items beyond the count are not this reader's
-            RankPositionRecord& r = ctx.RankPosition(n);
+            if (n < 1 || n > ctx.NumberRankVotes || n - 1 > ctx.RankPosition.ubound())
+                return;
+            RankPositionRecord& r = ctx.RankPosition(n - 1);
             const float value = float(tlxVal(v));
             if (letter == 'X')
                 r.X = value;

@@ -259,6 +259,10 @@ struct RunState {
     VbArray<float> voteTimes;
     VbArray2<float> seriesVotes;
     VbArray2<short> ratingVotes;
+    // A rating vote's results: each item's average mark, and how many gave each mark
+    // (mark index, item index).
+    VbArray<float> ratingAverages;
+    VbArray2<float> ratingDistribution;
     VbArray<short> groupFilter;
     QStringList activeKeypads;
     QStringList respondedKeypads;

@@ -23,7 +23,8 @@
 #include "controller/scalepad_votes.h"
 #include "vote/run_context.h"
 #include "vote/vote_driver.h"
-#include "vote/vote_end_stubs.h"
+#include "vote/rating_runners.h"
+#include "vote/text_runners.h"
 #include "vote/vote_main.h"
 #include "vote/votes_cast_boxes.h"
 
@@ -79,8 +80,9 @@ void closeVote(RunContext& ctx)
         MoveCursorTopRight(ctx);
         bool ended = false;
         const bool single = ctx.vType == 0 || ctx.vType == 1 || ctx.vType == 3 || ctx.vType == 4;
+        const bool text = ctx.GraphType == 6 || ctx.GraphType == 8;
         if (single) {
-            if (ctx.GraphType == 6) {
+            if (text) {
                 EndTextVote(ctx);
             } else if (ctx.GraphType == 7) {
                 if (ctx.comms)
@@ -101,6 +103,7 @@ void closeVote(RunContext& ctx)
             }
             if (ctx.rankItemIndex >= ctx.NumberRankVotes) {
                 showRankResultsAll(ctx);
+                RefreshResult(ctx);
                 GrabBackground(ctx, "FrmTChart");
                 ctx.ratingVoteOpen = false;
             } else {
@@ -149,23 +152,31 @@ void execRevote(RunContext& ctx, short slideBefore, short slideAfter)
                 AwaitPresenterAfterResult(ctx);
         } else {
             LoadVotes(ctx, reference, -1);
-            if (ctx.GraphType == 6) {
+            if (ctx.GraphType == 6 || ctx.GraphType == 8) {
                 EndTextVote(ctx);
             } else if (ctx.GraphType == 7) {
                 ScalepadSetup(ctx);
+                const qint32 keypads = ctx.keypadUniverse;
                 for (short i = 1; i <= ctx.NumberRankVotes; ++i) {
-                    LoadVotes(ctx, reference, short(i - 1));
+                    // An item without a saved line is drawn empty.
+                    if (!LoadVotes(ctx, reference, short(i - 1))) {
+                        ctx.keypadUniverse = keypads;
+                        ResetVoteArrays(ctx);
+                    }
                     for (qint32 k = 0; k <= ctx.votes.ubound() - 1; ++k)
                         if (i <= ctx.ratingVotes.ubound1() && k <= ctx.ratingVotes.ubound2())
                             ctx.ratingVotes(i, k) = short(tlxVal(ctx.votes(k)));
                     if (slideAfter != 0)
                         ctx.currentSlide = slideAfter;
-                    DisplayRatingChart(ctx);
+                    DisplayRatingChart(ctx, i);
                 }
                 if (slideAfter != 0)
                     ctx.currentSlide = slideAfter;
                 GraphtoSlide(ctx, -1);
-                EndRankVote(ctx);
+                // Drawn and placed: of the item's end only the closing of its windows is left.
+                CloseRankItem(ctx);
+                if (ctx.arg1 != "TLXRESHOW")
+                    AwaitPresenterAfterResult(ctx);
             } else {
                 if (slideAfter != 0)
                     ctx.currentSlide = slideAfter;

@@ -15,8 +15,11 @@
 #include "results/common_io.h"
 #include "vote/forms.h"
 #include "vote/graph_runners.h"
+#include "charts/rank_markers.h"
+#include "vote/rating_runners.h"
 #include "vote/run_context.h"
 #include "vote/series_runners.h"
+#include "vote/text_runners.h"
 #include "vote/vote_close.h"
 #include "vote/votes_cast_boxes.h"
 
@@ -41,15 +44,6 @@ int message(RunContext& ctx, const QString& text, int flags, const QString& titl
 bool isGraph(short g)
 {
     return (g >= 0 && g <= 5) || (g >= 9 && g <= 14);
-}
-
-// A kind of vote whose runner this program does not have yet says so plainly and ends
-// the run in order.
-void runnerMissing(RunContext& ctx, const QString& kind)
-{
-    message(ctx, kind + " votes cannot be run by this version of tallix vote.", MsgBoxStyle::Information);
-    RecordVoteEnd(ctx, "Vote finished");
-    FullShutDown(ctx);
 }
 
 // The group path: the answers of an earlier slide become a filter of keypads, and the
@@ -128,6 +122,20 @@ bool refuseSeriesWithoutSelections(RunContext& ctx)
     return true;
 }
 
+// A rating vote of no items would open nothing and still save and place an empty result.
+bool refuseRatingWithoutItems(RunContext& ctx)
+{
+    if (ctx.NumberRankVotes >= 1)
+        return false;
+    message(ctx,
+            "This rating vote has no items to rate. Set the number of items (NumberRankVotes) of the question to "
+            "1 or more.",
+            MsgBoxStyle::Information);
+    RecordVoteEnd(ctx, "Vote finished");
+    FullShutDown(ctx);
+    return true;
+}
+
 void refuseKeypads(RunContext& ctx)
 {
     if (ctx.vCast)
@@ -186,18 +194,41 @@ void dispatch(RunContext& ctx)
         default: break;
         }
     } else if (g == 6 || g == 8) {
-        if (v != 2)
-            runnerMissing(ctx, "Text");
-        else if (!refuseSeriesWithoutSelections(ctx))
-            DoSeriesTextVote(ctx);
+        switch (v) {
+        case 0: DoCountUpTextVote(ctx, 0); break;
+        case 1: DoCountDownTextVote(ctx, 0); break;
+        case 2:
+            if (!refuseSeriesWithoutSelections(ctx))
+                DoSeriesTextVote(ctx);
+            break;
+        case 3:
+            // One question after the other: on a base each opens and returns at once.
+            for (qint32 i = 0; i < ctx.NumberTextVotes; ++i)
+                DoCountUpTextVote(ctx, i);
+            RecordVoteEnd(ctx, "Vote finished");
+            FullShutDown(ctx);
+            break;
+        default: break;
+        }
     } else if (g == 7) {
+        if (refuseRatingWithoutItems(ctx))
+            return;
         ctx.internalRestart = false;
         ctx.ratingVoteOpen = true;
         if (!ctx.vCast) {
+            if (ctx.forms)
+                ctx.forms->Load(FormName::vCast);
             LoadVotesCastBoxes(ctx);
             PrepareVotesCastWindow(ctx);
         }
-        runnerMissing(ctx, "Rating");
+        const short item = ctx.rankItemIndex;
+        if (v == 0 && !ctx.ratingVoteStarted)
+            DoCountUpRankVote(ctx, item);
+        else if (v == 1 && !ctx.ratingVoteStarted)
+            DoCountDownRankVote(ctx, item);
+        // A runner on a base returns with its item still open, its marker still wanted.
+        if ((v == 0 || v == 1) && ctx.voteEnded == 1)
+            hideCurrentRankIndicator(ctx, item);
     }
 }
 

@@ -158,13 +158,17 @@ TEST_F(Schema, RatingTextAndSeriesSections)
 {
     read("<vote_info><options>2</options></vote_info>"
          "<rank_vote><NumberRankVotes>2</NumberRankVotes><RankPositionX001>10.5</RankPositionX001>"
+         "<RankPositionW002>0.25</RankPositionW002><RankPositionX000>7</RankPositionX000>"
          "<RankPositionY009>3</RankPositionY009><HighlightColour>1</HighlightColour></rank_vote>"
          "<text_vote><NumberTextVotes>2</NumberTextVotes><textPositionX003001>4</textPositionX003001>"
          "<HighlightColour>2</HighlightColour></text_vote>"
          "<series_vote><Iterations>3</Iterations><Exclusive>True</Exclusive>"
          "<SeriesWeighting>1|2|3|4|5|6|7|8|9|10|11|12</SeriesWeighting></series_vote>");
-    EXPECT_FLOAT_EQ(ctx.RankPosition(1).X, 10.5f);
-    EXPECT_EQ(ctx.RankPosition.ubound(), 1); // item 9 lies beyond the count
+    // Items count from 1: the first item's key places record 0, and the last item's is read.
+    EXPECT_FLOAT_EQ(ctx.RankPosition(0).X, 10.5f);
+    EXPECT_FLOAT_EQ(ctx.RankPosition(1).W, 0.25f);
+    EXPECT_FLOAT_EQ(ctx.RankPosition(1).X, 0.0f);   // 000 names no item
+    EXPECT_EQ(ctx.RankPosition.ubound(), 1);        // item 9 lies beyond the count
     EXPECT_EQ(ctx.NumberTextVotes, 3);
     EXPECT_DOUBLE_EQ(ctx.textPosition(3, 1).X, 4);
     EXPECT_EQ(ctx.HighlightColour, 2); // text_vote, read later, wins

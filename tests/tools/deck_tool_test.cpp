@@ -185,8 +185,9 @@ TEST_F(DeckToolTest, RankMarkersAreHiddenEmptyAndSteppedDownLeftOfTheChart)
             EXPECT_GE(placed[i].left(), 460);
             EXPECT_GE(placed[i].top(), 150);
             EXPECT_LE(placed[i].bottom(), 450);
-            if (i > 0)
+            if (i > 0) {
                 EXPECT_GE(placed[i].top(), placed[i - 1].bottom()); // one further down per item
+            }
         }
     }
 }

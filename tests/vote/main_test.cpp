@@ -454,8 +454,9 @@ INSTANTIATE_TEST_SUITE_P(
                       // A series with no selections set does not run.
                       DispatchCase{2, 2, "refused: This series vote has no selections"},
                       DispatchCase{8, 2, "refused: This series vote has no selections"},
-                      DispatchCase{8, 0, "refused: Text votes"},
-                      DispatchCase{6, 1, "refused: Text votes"}, DispatchCase{7, 0, "refused: Rating votes"},
+                      DispatchCase{8, 0, "open"}, DispatchCase{6, 0, "open"},
+                      // A rating vote with no items set does not run.
+                      DispatchCase{7, 0, "refused: This rating vote has no items"},
                       DispatchCase{15, 0, "nothing"}));
 
 } // namespace

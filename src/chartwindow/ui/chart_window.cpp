@@ -3,6 +3,7 @@
 #include "charts/ui/chart_display.h"
 #include "charts/ui/marks_and_ticks.h"
 #include "charts/ui/multi_chart.h"
+#include "charts/ui/rating_chart.h"
 #include "chartwindow/ui/frm_tchart.h"
 #include "chartwindow/ui/refresh_tchart.h"
 #include "vote/not_built.h"
@@ -51,7 +52,16 @@ void ChartWindowProcedures::UnloadForm()
     form_.release()->deleteLater();
 }
 
-void ChartWindowProcedures::DisplayChart(DisplayChartArgs& args) { ::tallix::DisplayChart(ctx_, LoadForm(), args); }
+void ChartWindowProcedures::DisplayChart(DisplayChartArgs& args)
+{
+    FrmTChart& form = LoadForm();
+    ::tallix::DisplayChart(ctx_, form, args);
+    // Series side by side may put their marks on one another; one series never does.
+    if (form.TChart.Exists(0) && form.TChart(0).Visible() && form.TChart(0).SeriesCount() >= 2) {
+        short points = ctx_.optionCount;
+        CheckOverlapMarks(ctx_, form, points);
+    }
+}
 
 void ChartWindowProcedures::DisplayMultiChart(short displayBy, short iterations, bool filterSet)
 {
@@ -70,6 +80,36 @@ void ChartWindowProcedures::ShowLegend()
 {
     if (form_)
         ::tallix::ShowLegend(ctx_, *form_);
+}
+
+void ChartWindowProcedures::DisplayRatingChart(short itemIndex, short showNow, short sample, short filterSet,
+                                               short rebuild)
+{
+    ::tallix::DisplayRatingChart(ctx_, LoadForm(), itemIndex, showNow, sample, filterSet, rebuild);
+}
+
+void ChartWindowProcedures::DisplayRatingDistribution(short itemIndex)
+{
+    if (form_)
+        ::tallix::DisplayRatingDistribution(ctx_, *form_, itemIndex);
+}
+
+void ChartWindowProcedures::ShowRankResultsAll()
+{
+    if (form_)
+        ::tallix::ShowRankResultsAll(ctx_, *form_);
+}
+
+void ChartWindowProcedures::RefreshResult()
+{
+    if (form_)
+        RefreshTChart(ctx_, *form_, 0, 0, 0, 0);
+}
+
+void ChartWindowProcedures::HideDistribution()
+{
+    if (form_ && form_->TChart.Exists(0))
+        form_->TChart(0).SetVisible(false);
 }
 
 std::unique_ptr<ChartWindowProcedures> InstallChartWindow(RunContext& ctx)

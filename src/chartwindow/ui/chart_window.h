@@ -24,6 +24,11 @@ public:
     void DrawDynamicChart() override;
     void GrabBackground(const char* formName) override;
     void ShowLegend() override;
+    void DisplayRatingChart(short itemIndex, short showNow, short sample, short filterSet, short rebuild) override;
+    void DisplayRatingDistribution(short itemIndex) override;
+    void ShowRankResultsAll() override;
+    void RefreshResult() override;
+    void HideDistribution() override;
 
     // The result window, loaded (and placed over the chart area) when it is not.
     FrmTChart& LoadForm();

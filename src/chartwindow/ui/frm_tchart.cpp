@@ -216,14 +216,18 @@ void FrmTChart::OnKeyDown(int chartIndex, int keyCode, int shift)
             pendingShift = short(shift);
         } else if (k == 'Q' || k == vkEscape) {
             pendingKey = short(k);
-        } else if (ctx.GraphType == 7 && !(shift == kShiftAlt && k >= 'A' && k <= 'Z')) {
-            if (TChart(0).Visible() && !distributionLock) {
-                TChart(0).SetVisible(false);
-                for (int i = 1; i <= TChart.UBound(); ++i)
-                    if (TChart.Exists(i))
-                        TChart(i).SetVisible(true);
-                overview = true;
-            }
+        } else if (ctx.GraphType == 7 && !(shift == kShiftAlt && k >= 'A' && k <= 'Z') && TChart(0).Visible() &&
+                   !distributionLock) {
+            // Any key takes a rating result from an item's spread back to every item; only
+            // there, so the presenter's clicker still moves on from the overview.
+            TChart(0).SetVisible(false);
+            for (int i = 1; i <= TChart.UBound(); ++i)
+                if (TChart.Exists(i))
+                    TChart(i).SetVisible(true);
+            overview = true;
+        } else if (ctx.GraphType == 7 && shift == kShiftAlt && k >= 'A' && k <= 'Z' && !TChart(0).Visible()) {
+            DisplayRatingDistribution(ctx, short(k - 'A' + 1));
+            giveFocus();
         } else if (k == 'N' || k == vkSpace || k == vkRight || k == vkDown || k == vkNext) {
             pendingKey = short(k);
         } else {
@@ -257,8 +261,9 @@ void FrmTChart::Form_MouseDown(int button)
 
 void FrmTChart::OnMouseDown(int chartIndex, int button, int /*shift*/, int /*x*/, int /*y*/)
 {
-    (void)chartIndex;
-    if (button == 2 && ctx.vType == 2)
+    if (button == 2 && ctx.GraphType == 7 && chartIndex >= 1)
+        DisplayRatingDistribution(ctx, short(chartIndex));
+    else if (button == 2 && ctx.vType == 2)
         cycleSeriesView();
     if (button == 1)
         Form_MouseDown(1);

@@ -248,8 +248,28 @@ void FrmTChart::GraphtoSlide(short index)
                 else if (pictures.size() > 1)
                     shapes->Group(pictures)->SetName(QStringLiteral("tallix chart ratings"));
                 shapeNames = pictures;
-                slide->GetTags()->Add(QStringLiteral("RankVote"), slideText);
             });
+            // Each item once more on its own, hidden, for a later showing of that item alone.
+            for (int item = 1; item <= ctx.NumberRankVotes; ++item) {
+                if (!TChart.Exists(item))
+                    continue;
+                Step(ctx, [&] {
+                    const QRectF p = placement(item);
+                    exportElement(item, item, p, true);
+                    host::Shape* pic = shapes->AddPicture(lastExportFile_, 0, -1, 0, 0, 0, 0);
+                    QFile::remove(lastExportFile_);
+                    pic->SetLockAspectRatio(false);
+                    pic->ZOrder(host::ZOrderCmd::SendBehindText);
+                    pic->SetVisible(false);
+                    pic->SetTop(p.top());
+                    pic->SetLeft(p.left());
+                    pic->SetWidth(p.width());
+                    pic->SetHeight(p.height());
+                    pic->SetLockAspectRatio(true);
+                    pic->SetName(QStringLiteral("tallix chart ") + QChar(u'A' + item - 1));
+                });
+            }
+            Step(ctx, [&] { slide->GetTags()->Add(QStringLiteral("RankVote"), slideText); });
         }
 
         // One picture per further page of a paged bar chart, kept for the reshow.
