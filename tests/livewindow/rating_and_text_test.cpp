@@ -133,10 +133,12 @@ TEST_F(RatingTest, CountedDownItemsCloseWhenTheirTimeIsUp)
     EXPECT_EQ(lines[1].section(',', 3), "2of2");
 }
 
-TEST_F(RatingTest, ASlideWithoutMarkersRunsAlike)
+TEST_F(RatingTest, ASlideWithoutMarkersOrWithAMarkerWithoutTextRunsAlike)
 {
     for (int n = 1; n <= 3; ++n)
         marker(n)->Delete();
+    // A shape of the marker's name that holds no text is passed over as a missing one.
+    slide()->GetShapes()->AddTable(1, 1, 0, 0, 20, 20)->SetName("tallix rank marker 02");
     ctx.NumberRankVotes = 2;
     pressInTurn({'1', ' ', '2', ' '});
     EXPECT_TRUE(runVote());

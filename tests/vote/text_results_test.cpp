@@ -23,6 +23,7 @@ TEST(TextResultCell, WritesTheCountOrThePercentAsTheQuestionAsks)
     const Case cases[] = {
         {0, 1, ".", "66.7%"}, {1, 1, ".", "4"},           {2, 1, ".", "(4) 66.7%"},
         {3, 1, ".", ""},      {0, 0, ".", "67%"},         {2, 1, ",", "(4) 66,7%"},
+        {0, 2, ".", "66.67%"}, {2, 0, ",", "(4) 67%"},     {0, 2, ",", "66,67%"},
     };
     for (const Case& c : cases) {
         const QString decimal = QString::fromLatin1(c.decimal);
@@ -32,6 +33,7 @@ TEST(TextResultCell, WritesTheCountOrThePercentAsTheQuestionAsks)
         EXPECT_EQ(TextResultCell(run.ctx, 4, 6), c.cell) << c.showAs << " " << c.places << " " << c.decimal;
     }
     run.ctx.showAsPercentOrNumber = 2;
+    run.ctx.PercentDP = 1;
     EXPECT_EQ(TextResultCell(run.ctx, 0, 0), "(0) 0.0%") << "no votes at all still shows its zero";
 }
 
