@@ -56,6 +56,15 @@ void ShowKeyboardCaption(RunContext& ctx)
         ctx.vCast->SetCounterLabel("K'Board", 18);
 }
 
+void WaitOnKeyboard(RunContext& ctx)
+{
+    ShowKeyboardCaption(ctx);
+    do {
+        ctx.pump->WaitForEvents(kVoteLoopWaitMs);
+        RefreshKeypadsNotVoted(ctx, false);
+    } while (ctx.voteEnded == 0 && ctx.voteCancelled == 0);
+}
+
 void DoCountUpGraphVote(RunContext& ctx)
 {
     Guarded(ctx, kModule, "DoCountUpGraphVote", true, [&] {
@@ -78,11 +87,7 @@ void DoCountUpGraphVote(RunContext& ctx)
             }
             return;
         }
-        ShowKeyboardCaption(ctx);
-        do {
-            ctx.pump->WaitForEvents(kVoteLoopWaitMs);
-            RefreshKeypadsNotVoted(ctx, false);
-        } while (ctx.voteEnded == 0 && ctx.voteCancelled == 0);
+        WaitOnKeyboard(ctx);
     });
 }
 

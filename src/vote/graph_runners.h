@@ -20,5 +20,7 @@ bool OnKeypadBase(const RunContext& ctx);
 bool StartVoteAtBase(RunContext& ctx);
 // The counter says the keyboard is the base.
 void ShowKeyboardCaption(RunContext& ctx);
+// The keyboard's count-up: the caption, then pumping until the vote ends or is cancelled.
+void WaitOnKeyboard(RunContext& ctx);
 
 } // namespace tallix

@@ -60,11 +60,7 @@ void DoCountUpRankVote(RunContext& ctx, short item)
                 RefreshKeypadsNotVoted(ctx, true);
             return;   // the item stays open, driven by events
         }
-        ShowKeyboardCaption(ctx);
-        do {
-            ctx.pump->WaitForEvents(kVoteLoopWaitMs);
-            RefreshKeypadsNotVoted(ctx, false);
-        } while (ctx.voteEnded == 0 && ctx.voteCancelled == 0);
+        WaitOnKeyboard(ctx);
     });
 }
 

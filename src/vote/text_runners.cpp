@@ -58,11 +58,7 @@ void DoCountUpTextVote(RunContext& ctx, qint32 /*questionIndex*/)
             }
             return;   // the vote stays open, driven by events
         }
-        ShowKeyboardCaption(ctx);
-        do {
-            ctx.pump->WaitForEvents(kVoteLoopWaitMs);
-            RefreshKeypadsNotVoted(ctx, false);
-        } while (ctx.voteEnded == 0 && ctx.voteCancelled == 0);
+        WaitOnKeyboard(ctx);
     });
 }
 

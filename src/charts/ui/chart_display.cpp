@@ -18,15 +18,10 @@ namespace tallix {
 namespace {
 const char* kModule = "Common_ChartDisplay";
 
-// A chart routine reports a failed statement under its own name and goes on with the next,
-// so a bad setting leaves a partly set chart rather than none.
 template <class F>
 void Step(RunContext& ctx, const char* procedure, F&& f)
 {
-    Guarded(ctx, kModule, procedure, false, 0, [&] {
-        f();
-        return 0;
-    });
+    ChartStep(ctx, procedure, std::forward<F>(f));
 }
 
 bool IsVoteProgram(RunContext& ctx) { return ctx.app.exeName.compare(QLatin1String("vote"), Qt::CaseInsensitive) == 0; }

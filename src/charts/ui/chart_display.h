@@ -4,6 +4,7 @@
 
 #include "charts/chart_procedures.h"
 #include "chartsurface/chart_model.h"
+#include "foundation/error_report.h"
 
 #include <QString>
 #include <QtGlobal>
@@ -13,6 +14,17 @@ namespace tallix {
 struct RunContext;
 class FrmTChart;
 class TChart;
+
+// A chart routine reports a failed statement under its own name and goes on with the next,
+// so a bad setting leaves a partly set chart rather than none.
+template <class F>
+void ChartStep(RunContext& ctx, const char* procedure, F&& f)
+{
+    Guarded(ctx, "Common_ChartDisplay", procedure, false, 0, [&] {
+        f();
+        return 0;
+    });
+}
 
 void DisplayChart(RunContext& ctx, FrmTChart& form, DisplayChartArgs& a);
 void AddData(RunContext& ctx, FrmTChart& form, int chartIndex);

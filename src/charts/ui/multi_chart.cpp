@@ -25,10 +25,7 @@ const char* kProc = "DisplayMultiChart";
 template <class F>
 void Step(RunContext& ctx, F&& f)
 {
-    Guarded(ctx, kModule, kProc, false, 0, [&] {
-        f();
-        return 0;
-    });
+    ChartStep(ctx, kProc, std::forward<F>(f));
 }
 
 double percentOf(const RunContext& ctx, double part, double whole)

@@ -17,17 +17,6 @@ namespace tallix {
 
 namespace {
 
-const char* kModule = "Common_ChartDisplay";
-
-template <class F>
-void Step(RunContext& ctx, const char* procedure, F&& f)
-{
-    Guarded(ctx, kModule, procedure, false, 0, [&] {
-        f();
-        return 0;
-    });
-}
-
 constexpr short kAllItems = 26;
 
 OleColor barColour(RunContext& ctx)
@@ -98,13 +87,13 @@ void DisplayRatingChart(RunContext& ctx, FrmTChart& form, short itemIndex, short
     const char* P = "DisplayRatingChart";
     if (itemIndex < 1)
         return;
-    Step(ctx, P, [&] {
+    ChartStep(ctx, P, [&] {
         ctx.optionCounts.redim(ctx.NumberRankVotes);
         if (sample != 0)
             fillSampleVotes(ctx);
         CollateRatingItem(ctx, itemIndex, filterSet);
     });
-    Step(ctx, P, [&] {
+    ChartStep(ctx, P, [&] {
         if (!form.TChart.Exists(itemIndex))
             form.TChart.Load(itemIndex);
         TChart& chart = form.TChart(itemIndex);
@@ -150,10 +139,10 @@ void DisplayRatingChart(RunContext& ctx, FrmTChart& form, short itemIndex, short
     if (showNow != 0 && rebuild == 0) {
         RefreshTChart(ctx, form, sample, 1, itemIndex, 0);
         if (sample == 0)
-            Step(ctx, P, [&] { form.TChart(itemIndex).SetVisible(true); });
+            ChartStep(ctx, P, [&] { form.TChart(itemIndex).SetVisible(true); });
         form.ShowMe();
     }
-    Step(ctx, P, [&] {
+    ChartStep(ctx, P, [&] {
         buildDistribution(ctx, form);
         // The spread waits for the presenter's Alt and letter.
         form.TChart(0).SetVisible(false);
@@ -162,7 +151,7 @@ void DisplayRatingChart(RunContext& ctx, FrmTChart& form, short itemIndex, short
 
 void DisplayRatingDistribution(RunContext& ctx, FrmTChart& form, short itemIndex)
 {
-    Step(ctx, "DisplayRatingDistribution", [&] {
+    ChartStep(ctx, "DisplayRatingDistribution", [&] {
         TChart& spread = form.TChart(0);
         spread.Aspect.Chart3DPercent = 40;
         if (itemIndex == kAllItems) {
@@ -189,7 +178,7 @@ void DisplayRatingDistribution(RunContext& ctx, FrmTChart& form, short itemIndex
 
 void ShowRankResultsAll(RunContext& ctx, FrmTChart& form)
 {
-    Step(ctx, "showRankResultsAll", [&] {
+    ChartStep(ctx, "showRankResultsAll", [&] {
         if (form.TChart.Exists(0))
             form.TChart(0).SetVisible(false);
         for (int i = 1; i <= form.TChart.UBound(); ++i)

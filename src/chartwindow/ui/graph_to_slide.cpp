@@ -28,6 +28,21 @@ void Step(RunContext& ctx, F&& f)
     });
 }
 
+// A further picture kept hidden for a later showing: behind the text, at its place.
+void addHiddenPicture(host::Shapes* shapes, const QString& file, const QRectF& place, const QString& name)
+{
+    host::Shape* pic = shapes->AddPicture(file, 0, -1, 0, 0, 0, 0);
+    pic->SetLockAspectRatio(false);
+    pic->ZOrder(host::ZOrderCmd::SendBehindText);
+    pic->SetVisible(false);
+    pic->SetTop(place.top());
+    pic->SetLeft(place.left());
+    pic->SetWidth(place.width());
+    pic->SetHeight(place.height());
+    pic->SetLockAspectRatio(true);
+    pic->SetName(name);
+}
+
 void LogStep(RunContext& ctx, double since, const QString& line)
 {
     WriteDebugLog(ctx, float(ctx.clock->secondsSinceMidnight() - since), line, kModule, kProc);
@@ -256,17 +271,8 @@ void FrmTChart::GraphtoSlide(short index)
                 Step(ctx, [&] {
                     const QRectF p = placement(item);
                     exportElement(item, item, p, true);
-                    host::Shape* pic = shapes->AddPicture(lastExportFile_, 0, -1, 0, 0, 0, 0);
+                    addHiddenPicture(shapes, lastExportFile_, p, QStringLiteral("tallix chart ") + QChar(u'A' + item - 1));
                     QFile::remove(lastExportFile_);
-                    pic->SetLockAspectRatio(false);
-                    pic->ZOrder(host::ZOrderCmd::SendBehindText);
-                    pic->SetVisible(false);
-                    pic->SetTop(p.top());
-                    pic->SetLeft(p.left());
-                    pic->SetWidth(p.width());
-                    pic->SetHeight(p.height());
-                    pic->SetLockAspectRatio(true);
-                    pic->SetName(QStringLiteral("tallix chart ") + QChar(u'A' + item - 1));
                 });
             }
             Step(ctx, [&] { slide->GetTags()->Add(QStringLiteral("RankVote"), slideText); });
@@ -286,17 +292,8 @@ void FrmTChart::GraphtoSlide(short index)
             for (int pg = 2; pg <= pages; ++pg) {
                 c.Page.Current = pg;
                 exportElement(0, pg, p, true);
-                host::Shape* pic = shapes->AddPicture(lastExportFile_, 0, -1, 0, 0, 0, 0);
-                pic->SetLockAspectRatio(false);
-                pic->ZOrder(host::ZOrderCmd::SendBehindText);
-                pic->SetVisible(false);
-                pic->SetTop(p.top());
-                pic->SetLeft(p.left());
-                pic->SetWidth(p.width());
-                pic->SetHeight(p.height());
-                pic->SetLockAspectRatio(true);
                 const QString name = QStringLiteral("tallix chart %1").arg(pg);
-                pic->SetName(name);
+                addHiddenPicture(shapes, lastExportFile_, p, name);
                 shapeNames << name;
             }
             c.Page.Current = was;
