@@ -140,6 +140,14 @@ public:
     // `TextRange.Font.Name`, `.Size` and `.Color` (0xBBGGRR) of all its text. A glyph
     // font such as "Wingdings" is set as the symbol font too.
     virtual void SetFont(const QString& name, double size, long color) = 0;
+    // The paragraphs show numbers (an automatic numbering) rather than bullets or nothing:
+    // true when the first paragraph's effective bullet is an `a:buAutoNum`.
+    virtual bool ParagraphsNumbered() const = 0;
+    // `TextRange.Characters(start, length).Replace`: `start` counts from 1 in Text() (whose
+    // paragraphs are joined by CR), and the text put in may hold CR or CR LF (new paragraphs).
+    // The runs before and after the stretch keep their look; the new text takes the look of
+    // the run where the stretch begins.
+    virtual void ReplaceText(int start, int length, const QString& text) = 0;
 };
 
 class Table {
@@ -148,6 +156,9 @@ public:
     virtual int RowCount() const = 0;
     virtual int ColumnCount() const = 0;
     virtual TextFrame* Cell(int row, int column) = 0; // 1-based
+    // A copy of row `row` (1-based), look and text, inserted after it; returns the new row's number.
+    virtual int AddRowCopy(int row) = 0;
+    virtual void DeleteRow(int row) = 0;
 };
 
 class GroupShapes;

@@ -290,6 +290,175 @@ void fitTableGrid(pugi::xml_node tbl, qint64 cx, qint64 cy)
     fit(rows, "h", cy);
 }
 
+// A paragraph's text as the host counts it: runs and fields by their text, a line
+// break as one character, and one more (the CR) between paragraphs.
+struct TextPiece {
+    pugi::xml_node node;
+    int start, length;
+};
+struct ParagraphText {
+    pugi::xml_node p;
+    QList<TextPiece> pieces;
+    int start, length;
+};
+
+QList<ParagraphText> textLayout(pugi::xml_node body)
+{
+    QList<ParagraphText> out;
+    int at = 0;
+    for (pugi::xml_node p : body.children()) {
+        if (LocalName(p) != "p")
+            continue;
+        ParagraphText para{p, {}, at, 0};
+        for (pugi::xml_node c : p.children()) {
+            const QString local = LocalName(c);
+            const int n = local == "br" ? 1 : (local == "r" || local == "fld") ? int(str(Child(c, "t").text().get()).size()) : -1;
+            if (n < 0)
+                continue;
+            para.pieces.append({c, at, n});
+            at += n;
+        }
+        para.length = at - para.start;
+        out << para;
+        ++at;
+    }
+    return out;
+}
+
+// Makes a piece start at `offset`: the run it falls in is cut in two with the same look.
+// A field cut so is plain text from then on.
+void splitTextAt(pugi::xml_node body, int offset)
+{
+    for (const ParagraphText& para : textLayout(body))
+        for (const TextPiece& piece : para.pieces) {
+            if (offset <= piece.start || offset >= piece.start + piece.length)
+                continue;
+            pugi::xml_node run = piece.node;
+            if (LocalName(run) == "fld") {
+                run.set_name(A(run, "r").constData());
+                run.remove_attribute("id");
+                run.remove_attribute("type");
+                run.remove_child(Child(run, "pPr"));
+            }
+            const QString text = str(Child(run, "t").text().get());
+            const int cut = offset - piece.start;
+            pugi::xml_node rest = run.parent().insert_copy_after(run, run);
+            Child(run, "t").text() = utf8(text.left(cut)).constData();
+            Child(rest, "t").text() = utf8(text.mid(cut)).constData();
+            return;
+        }
+}
+
+// Puts one paragraph's worth of new text (line breaks as character 11) before `before`,
+// or before the paragraph's end mark.
+void insertLine(pugi::xml_node p, pugi::xml_node before, const QString& line, pugi::xml_node look)
+{
+    if (!before)
+        before = Child(p, "endParaRPr");
+    auto add = [&](const char* local) {
+        const QByteArray name = A(p, local);
+        return before ? p.insert_child_before(name.constData(), before) : p.append_child(name.constData());
+    };
+    const QStringList parts = line.split(QChar(11));
+    for (int i = 0; i < parts.size(); ++i) {
+        if (i > 0) {
+            pugi::xml_node br = add("br");
+            if (look)
+                br.append_copy(look);
+        }
+        if (parts[i].isEmpty())
+            continue;
+        pugi::xml_node r = add("r");
+        if (look)
+            r.append_copy(look);
+        else
+            r.append_child(A(p, "rPr").constData()).append_attribute("lang") = "en-US";
+        r.append_child(A(p, "t").constData()).text() = utf8(xmlSafe(parts[i])).constData();
+    }
+}
+
+void setEndMark(pugi::xml_node p, pugi::xml_node mark)
+{
+    if (!mark)
+        return;
+    p.remove_child(Child(p, "endParaRPr"));
+    p.append_copy(mark).set_name(A(p, "endParaRPr").constData());
+}
+
+// `Characters(start, count).Replace(text)` on a text body; see TextFrame::ReplaceText.
+void replaceText(pugi::xml_node body, int start, int count, const QString& text)
+{
+    QList<ParagraphText> layout = textLayout(body);
+    const int total = layout.isEmpty() ? 0 : layout.last().start + layout.last().length;
+    if (start < 1 || start > total + 1 || count < 0)
+        Raise(ErrNo::ItemNotFound, QStringLiteral("TextRange.Characters : The specified value is out of range."));
+    if (layout.isEmpty())
+        body.append_child(A(body, "p").constData());
+    // A stretch that runs past the end ends there, as the host's does.
+    const int from = start - 1, to = qMin(total, from + count);
+    splitTextAt(body, to);
+    splitTextAt(body, from);
+    layout = textLayout(body);
+    auto paragraphAt = [&](int offset) {
+        for (int i = 0; i < layout.size(); ++i)
+            if (offset <= layout[i].start + layout[i].length)
+                return i;
+        return int(layout.size()) - 1;
+    };
+    const int first = paragraphAt(from), last = paragraphAt(to);
+    pugi::xml_node firstP = layout[first].p, lastP = layout[last].p;
+
+    // The new text looks like the piece the stretch begins with; at a paragraph's end,
+    // like the piece before, else like the paragraph's end mark.
+    pugi::xml_document keep;
+    pugi::xml_node lookFrom;
+    for (const TextPiece& piece : layout[first].pieces) {
+        lookFrom = piece.node;
+        if (piece.start >= from)
+            break;
+    }
+    pugi::xml_node look = keep.append_copy(lookFrom ? Child(lookFrom, "rPr") : Child(firstP, "endParaRPr"));
+    if (look)
+        look.set_name(A(body, "rPr").constData());
+    pugi::xml_node pPr = keep.append_copy(Child(firstP, "pPr"));
+    pugi::xml_node firstEnd = keep.append_copy(Child(firstP, "endParaRPr"));
+    pugi::xml_node lastEnd = keep.append_copy(Child(lastP, "endParaRPr"));
+
+    QList<pugi::xml_node> tail;
+    for (int i = first; i <= last; ++i)
+        for (const TextPiece& piece : layout[i].pieces) {
+            if (i == last && piece.start >= to)
+                tail << piece.node;
+            else if (i != first || piece.start >= from)
+                layout[i].p.remove_child(piece.node);
+        }
+
+    QString fresh = text;
+    fresh.replace("\r\n", "\r").replace('\n', '\r');
+    const QStringList lines = fresh.split('\r');
+    insertLine(firstP, first == last ? tail.value(0) : pugi::xml_node(), lines[0], look);
+    // New paragraphs take the look of the one the stretch begins in; the last of them,
+    // which ends in the text after the stretch, that text's paragraph end.
+    pugi::xml_node end = firstP;
+    for (int k = 1; k < lines.size(); ++k) {
+        end = body.insert_child_after(A(body, "p").constData(), end);
+        if (pPr)
+            end.append_copy(pPr);
+        setEndMark(end, k + 1 < lines.size() ? (firstEnd ? firstEnd : look) : (lastEnd ? lastEnd : look));
+        insertLine(end, {}, lines[k], look);
+    }
+    if (end != lastP) {
+        for (pugi::xml_node piece : tail) {
+            pugi::xml_node mark = Child(end, "endParaRPr");
+            mark ? end.insert_move_before(piece, mark) : end.append_move(piece);
+        }
+        if (end == firstP)
+            setEndMark(firstP, lastEnd);
+    }
+    for (int i = first + 1; i <= last; ++i)
+        body.remove_child(layout[i].p);
+}
+
 } // namespace
 
 QString LocalName(pugi::xml_node node)
@@ -628,31 +797,62 @@ int Deck::alignment(pugi::xml_node txBody)
     return 1;
 }
 
-Font Deck::font(const QString& part, pugi::xml_node shape, pugi::xml_node txBody)
+// The list-style levels a paragraph at `level` (1-based) takes its look from, nearest
+// first: the shape's list style, the layout's and master's placeholder, the master's
+// text style for the placeholder's kind, the presentation's default.
+QList<pugi::xml_node> Deck::styleLevels(const QString& part, pugi::xml_node shape, pugi::xml_node txBody, int level)
 {
-    // Each property comes from the nearest level that sets it: the run, the shape's
-    // list style, the layout's and master's placeholder, the master's text styles.
+    const QByteArray lvl = QStringLiteral("lvl%1pPr").arg(level).toLatin1();
     QList<pugi::xml_node> chain;
-    pugi::xml_node p = Child(txBody, "p");
-    if (pugi::xml_node r = Child(p, "r"))
-        chain << Child(r, "rPr");
-    chain << Child(p, "endParaRPr");
-    chain << Child(Child(Child(txBody, "lstStyle"), "lvl1pPr"), "defRPr");
+    chain << Child(Child(txBody, "lstStyle"), lvl.constData());
     QString style = QStringLiteral("otherStyle");
     if (pugi::xml_node ph = phOf(shape)) {
         const QString type = str(ph.attribute("type").value());
         style = (type == "title" || type == "ctrTitle") ? "titleStyle"
                 : (type.isEmpty() || type == "body" || type == "obj" || type == "subTitle") ? "bodyStyle"
                                                                                            : "otherStyle";
-        for (int level = 1; level <= 2; ++level)
-            if (pugi::xml_node inherited = inheritedPlaceholder(part, shape, level))
-                chain << Child(Child(Child(textBody(inherited), "lstStyle"), "lvl1pPr"), "defRPr");
+        for (int source = 1; source <= 2; ++source)
+            if (pugi::xml_node inherited = inheritedPlaceholder(part, shape, source))
+                chain << Child(Child(textBody(inherited), "lstStyle"), lvl.constData());
     }
     const QString master = masterOf(layoutOf(part));
     if (!master.isEmpty() && pkg_.has(master))
-        chain << Child(Child(Child(Child(pkg_.xml(master).document_element(), "txStyles"),
-                                   style.toLatin1().constData()), "lvl1pPr"), "defRPr");
-    chain << Child(Child(Child(pkg_.xml(presentationPart_).document_element(), "defaultTextStyle"), "lvl1pPr"), "defRPr");
+        chain << Child(Child(Child(pkg_.xml(master).document_element(), "txStyles"), style.toLatin1().constData()),
+                       lvl.constData());
+    chain << Child(Child(pkg_.xml(presentationPart_).document_element(), "defaultTextStyle"), lvl.constData());
+    return chain;
+}
+
+bool Deck::numbered(const QString& part, pugi::xml_node shape, pugi::xml_node txBody)
+{
+    pugi::xml_node pPr = Child(Child(txBody, "p"), "pPr");
+    const int level = qBound(1, pPr.attribute("lvl").as_int() + 1, 9);
+    QList<pugi::xml_node> chain{pPr};
+    chain << styleLevels(part, shape, txBody, level);
+    // The nearest level that says anything about a bullet decides; a bullet's font or
+    // colour alone says nothing.
+    for (pugi::xml_node props : chain)
+        for (pugi::xml_node c : props.children()) {
+            const QString local = LocalName(c);
+            if (local == "buAutoNum")
+                return true;
+            if (local == "buChar" || local == "buNone" || local == "buBlip")
+                return false;
+        }
+    return false;
+}
+
+Font Deck::font(const QString& part, pugi::xml_node shape, pugi::xml_node txBody)
+{
+    // Each property comes from the nearest level that sets it: the run, then the levels
+    // of the list styles.
+    QList<pugi::xml_node> chain;
+    pugi::xml_node p = Child(txBody, "p");
+    if (pugi::xml_node r = Child(p, "r"))
+        chain << Child(r, "rPr");
+    chain << Child(p, "endParaRPr");
+    for (pugi::xml_node level : styleLevels(part, shape, txBody, 1))
+        chain << Child(level, "defRPr");
 
     Font f;
     bool size = false, bold = false, italic = false, underline = false, name = false, colour = false;
@@ -1384,6 +1584,45 @@ int Deck::apply(const Op& op, const Clip* clip)
                 end.append_attribute("lang") = "en-US";
             }
         }
+        break;
+    }
+    case Op::ReplaceText: {
+        pugi::xml_node body = op.row ? tableCellBody(shape, op.row, op.column) : textBody(shape);
+        if (!body)
+            Raise(ErrNo::HostUnexpected, QStringLiteral("This shape does not have a text frame."));
+        replaceText(body, op.number, op.count, op.value);
+        break;
+    }
+    case Op::AddRowCopy:
+    case Op::DeleteRow: {
+        pugi::xml_node tbl = table(shape);
+        if (!tbl)
+            Raise(ErrNo::HostUnexpected, QStringLiteral("This shape does not have a table."));
+        QList<pugi::xml_node> rows;
+        for (pugi::xml_node tr : tbl.children())
+            if (LocalName(tr) == "tr")
+                rows << tr;
+        if (op.row < 1 || op.row > rows.size())
+            Raise(ErrNo::ItemNotFound, QStringLiteral("Rows.Item : Integer out of range. %1 is not in the valid range of 1 to %2.")
+                                           .arg(op.row).arg(rows.size()));
+        pugi::xml_node tr = rows[op.row - 1];
+        if (op.kind == Op::DeleteRow && rows.size() == 1)
+            Raise(ErrNo::HostUnexpected, QStringLiteral("Row.Delete : A table keeps at least one row."));
+        const qint64 height = qMax<qint64>(0, tr.attribute("h").as_llong());
+        if (op.kind == Op::AddRowCopy) {
+            pugi::xml_node copy = tbl.insert_copy_after(tr, tr);
+            // The copy is a row of its own, never a part of a merge down the column.
+            for (pugi::xml_node tc : copy.children()) {
+                tc.remove_attribute("rowSpan");
+                tc.remove_attribute("vMerge");
+            }
+        } else {
+            tbl.remove_child(tr);
+        }
+        // The frame follows the rows, which are what a renderer draws.
+        pugi::xml_node ext = Child(xfrmOf(shape), "ext");
+        const qint64 cy = ext.attribute("cy").as_llong() + (op.kind == Op::AddRowCopy ? height : -height);
+        setAttr(ext, "cy", QByteArray::number(qMax<qint64>(0, cy)));
         break;
     }
     case Op::SetFont: {

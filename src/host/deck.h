@@ -18,8 +18,8 @@ struct Font;
 struct Op {
     enum Kind {
         TagSet, TagAppend, TagDelete,
-        Rename, SetVisible, SetGeometry, SetText, SetFont, SetLockAspect, ClearAnimation,
-        SetFillVisible, SetLineVisible, ZOrder, Delete,
+        Rename, SetVisible, SetGeometry, SetText, ReplaceText, SetFont, SetLockAspect, ClearAnimation,
+        SetFillVisible, SetLineVisible, ZOrder, Delete, AddRowCopy, DeleteRow,
         AddPicture, AddShape, AddTextbox, AddTable, Group, Paste,
     };
     Kind kind = TagSet;
@@ -27,7 +27,8 @@ struct Op {
     bool notes = false; // the shape is on the slide's notes page
     QString shape;      // the shape's name
     int shapeId = 0;    // which one, when several share the name
-    int row = 0, column = 0; // a table cell's text; with AddTable, the table's size
+    int row = 0, column = 0; // a table cell's text; with AddTable, the table's size; a row's number
+    int count = 0;           // with ReplaceText, how many characters from `number` on
     QString name, value;
     int number = 0;
     double geometry[4] = {0, 0, 0, 0};
@@ -87,6 +88,8 @@ public:
     static pugi::xml_node tableCellBody(pugi::xml_node shape, int row, int column);
     static QStringList paragraphs(pugi::xml_node txBody);
     Font font(const QString& part, pugi::xml_node shape, pugi::xml_node txBody);
+    // The first paragraph's effective bullet is an automatic number.
+    bool numbered(const QString& part, pugi::xml_node shape, pugi::xml_node txBody);
     static int alignment(pugi::xml_node txBody);
     static int placeholderType(pugi::xml_node shape);
     static int autoShapeType(pugi::xml_node shape);
@@ -124,6 +127,7 @@ private:
     QString masterOf(const QString& part);
     QString themeOf();
     pugi::xml_node inheritedPlaceholder(const QString& part, pugi::xml_node shape, int level);
+    QList<pugi::xml_node> styleLevels(const QString& part, pugi::xml_node shape, pugi::xml_node txBody, int level);
     void removeTimingFor(const QString& part, const QSet<int>& ids);
     void dropUnusedImages(const QString& part, const QStringList& rids);
     int nextShapeId(const QString& part);

@@ -94,6 +94,8 @@ public:
     Font GetFont() const override;
     int Alignment() const override;
     void SetFont(const QString& name, double size, long color) override;
+    bool ParagraphsNumbered() const override;
+    void ReplaceText(int start, int length, const QString& text) override;
 
 private:
     QStringList paragraphs() const;
@@ -107,8 +109,11 @@ public:
     int RowCount() const override;
     int ColumnCount() const override;
     TextFrame* Cell(int row, int column) override;
+    int AddRowCopy(int row) override;
+    void DeleteRow(int row) override;
 
 private:
+    void changeRow(Op::Kind kind, int row);
     ShapeImpl* s;
     std::map<std::pair<int, int>, std::unique_ptr<TextFrameImpl>> cells;
 };
@@ -296,6 +301,23 @@ void TextFrameImpl::SetFont(const QString& name, double size, long color)
 
 int TextFrameImpl::Alignment() const { return Deck::alignment(cellOrBody(s, row, column)); }
 
+bool TextFrameImpl::ParagraphsNumbered() const
+{
+    return s->h->deck().numbered(s->part(), s->node(), cellOrBody(s, row, column));
+}
+
+void TextFrameImpl::ReplaceText(int start, int length, const QString& text)
+{
+    cellOrBody(s, row, column);
+    Op o = s->op(Op::ReplaceText);
+    o.row = row;
+    o.column = column;
+    o.number = start;
+    o.count = length;
+    o.value = text;
+    s->h->perform(o);
+}
+
 int TableImpl::RowCount() const
 {
     int n = 0;
@@ -323,6 +345,23 @@ TextFrame* TableImpl::Cell(int row, int column)
         cell = std::make_unique<TextFrameImpl>(s, row, column);
     return cell.get();
 }
+
+void TableImpl::changeRow(Op::Kind kind, int row)
+{
+    if (row < 1 || row > RowCount())
+        outOfRange("Rows.Item", row, RowCount());
+    Op o = s->op(kind);
+    o.row = row;
+    s->h->perform(o);
+}
+
+int TableImpl::AddRowCopy(int row)
+{
+    changeRow(Op::AddRowCopy, row);
+    return row + 1;
+}
+
+void TableImpl::DeleteRow(int row) { changeRow(Op::DeleteRow, row); }
 
 class ShapesImpl : public Shapes {
 public:

@@ -4,6 +4,7 @@
 #include "host/deck_host.h"
 
 #include <QCoreApplication>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <functional>
 #include <gtest/gtest.h>
@@ -337,6 +338,180 @@ TEST_F(MemoryHostTest, TablesAreAddedEvenlyDividedAndResizedByTheirGrid)
 
     for (auto [rows, columns] : {std::pair{0, 1}, std::pair{1, 0}, std::pair{76, 1}})
         EXPECT_EQ(errorNumber([&] { shapes.AddTable(rows, columns, 0, 0, 10, 10); }), ErrNo::ItemNotFound);
+}
+
+// Puts a shape's XML, written with the blank deck's prefixes, into a part's shape tree.
+void addShapeXml(Package& pkg, const QString& part, const QString& xml)
+{
+    QByteArray bytes = pkg.bytes(part);
+    bytes.replace("</p:spTree>", xml.toUtf8() + "</p:spTree>");
+    pkg.setXml(part, bytes);
+}
+
+QString textShape(const QString& name, const QString& body)
+{
+    return QStringLiteral("<p:sp><p:nvSpPr><p:cNvPr id=\"90\" name=\"%1\"/><p:cNvSpPr txBox=\"1\"/><p:nvPr/></p:nvSpPr>"
+                          "<p:spPr><a:xfrm><a:off x=\"0\" y=\"0\"/><a:ext cx=\"2540000\" cy=\"1270000\"/></a:xfrm></p:spPr>"
+                          "<p:txBody><a:bodyPr/>%2</p:txBody></p:sp>")
+        .arg(name, body);
+}
+
+TEST(Numbering, FollowsTheNearestLevelThatNamesABullet)
+{
+    struct Case {
+        const char* what;
+        const char* shape;
+        QString shapeXml;  // added to the slide when not empty
+        QString lstStyle;  // put into the content placeholder's list style on the layout
+        bool numbered;
+    };
+    const QString numberedPara = "<a:p><a:pPr><a:buAutoNum type=\"arabicPeriod\"/></a:pPr><a:r><a:rPr lang=\"en-US\"/><a:t>one</a:t></a:r></a:p>";
+    const QString numberedList = "<a:lstStyle><a:lvl1pPr><a:buAutoNum type=\"alphaLcParenR\"/></a:lvl1pPr></a:lstStyle>";
+    const QString plainPara = "<a:p><a:r><a:rPr lang=\"en-US\"/><a:t>one</a:t></a:r></a:p>";
+    const Case cases[] = {
+        {"text box without bullets", "box", textShape("box", "<a:lstStyle/>" + plainPara), {}, false},
+        {"body placeholder with the master's bullet", "Content Placeholder 2", {}, {}, false},
+        {"numbered paragraph", "box", textShape("box", "<a:lstStyle/>" + numberedPara), {}, true},
+        {"numbered list style of the shape", "box", textShape("box", numberedList + plainPara), {}, true},
+        {"bullet font alone leaves the list style's number", "box",
+         textShape("box", numberedList + "<a:p><a:pPr><a:buFont typeface=\"Arial\"/></a:pPr></a:p>"), {}, true},
+        {"no bullet over a numbered list style", "box",
+         textShape("box", numberedList + "<a:p><a:pPr><a:buNone/></a:pPr></a:p>"), {}, false},
+        {"second level takes its own level", "box",
+         textShape("box", "<a:lstStyle><a:lvl1pPr><a:buNone/></a:lvl1pPr><a:lvl2pPr><a:buAutoNum type=\"romanUcPeriod\"/>"
+                          "</a:lvl2pPr></a:lstStyle><a:p><a:pPr lvl=\"1\"/></a:p>"), {}, true},
+        {"placeholder numbered by its layout", "Content Placeholder 2", {}, numberedList, true},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        MemoryHost host(1);
+        Package& pkg = host.deck().package();
+        if (!c.shapeXml.isEmpty())
+            addShapeXml(pkg, "ppt/slides/slide1.xml", c.shapeXml);
+        if (!c.lstStyle.isEmpty()) {
+            QByteArray layout = pkg.bytes("ppt/slideLayouts/slideLayout1.xml");
+            const int body = layout.indexOf("Content Placeholder 2");
+            ASSERT_GT(body, 0);
+            layout.replace(layout.indexOf("<a:lstStyle/>", body), 13, c.lstStyle.toUtf8());
+            pkg.setXml("ppt/slideLayouts/slideLayout1.xml", layout);
+        }
+        Shape& shape = *host.ActivePresentation()->GetSlides()->Item(1)->GetShapes()->Item(c.shape);
+        EXPECT_EQ(shape.GetTextFrame()->ParagraphsNumbered(), c.numbered);
+    }
+}
+
+// A text body's paragraphs as "[look]text" stretches, the look being the run's b, i, u
+// and sz (a line break shows as "|"), a centred paragraph marked "<ctr>" and its end
+// mark's look in braces.
+QString looks(pugi::xml_node body)
+{
+    auto lookOf = [](pugi::xml_node rPr) {
+        QString l;
+        for (const char* a : {"b", "i", "u", "sz"})
+            if (rPr.attribute(a))
+                l += a;
+        return l;
+    };
+    QStringList paragraphs;
+    for (pugi::xml_node p : body.children()) {
+        QString out = QString(Child(p, "pPr").attribute("algn").value()) == "ctr" ? "<ctr>" : "", current = "-";
+        for (pugi::xml_node c : p.children()) {
+            if (LocalName(c) != "r" && LocalName(c) != "br")
+                continue;
+            if (lookOf(Child(c, "rPr")) != current)
+                out += "[" + (current = lookOf(Child(c, "rPr"))) + "]";
+            out += LocalName(c) == "br" ? QString("|") : QString::fromUtf8(Child(c, "t").text().get());
+        }
+        if (LocalName(p) == "p")
+            paragraphs << out + "{" + lookOf(Child(p, "endParaRPr")) + "}";
+    }
+    return paragraphs.join(" / ");
+}
+
+TEST(ReplaceText, KeepsTheLookAroundTheStretchAndSurvivesReloading)
+{
+    // "Hello big world\rSecond": three looks in the first paragraph, one in the second.
+    const QString body =
+        "<a:lstStyle/><a:p><a:pPr algn=\"ctr\"/><a:r><a:rPr lang=\"en-US\" b=\"1\"/><a:t>Hello </a:t></a:r>"
+        "<a:r><a:rPr lang=\"en-US\" i=\"1\"/><a:t>big</a:t></a:r><a:r><a:rPr lang=\"en-US\" sz=\"2000\"/><a:t> world</a:t></a:r>"
+        "<a:endParaRPr lang=\"en-US\" sz=\"2000\"/></a:p>"
+        "<a:p><a:r><a:rPr lang=\"en-US\" u=\"sng\"/><a:t>Second</a:t></a:r><a:endParaRPr lang=\"en-US\" u=\"sng\"/></a:p>";
+    struct Case {
+        int start, length;
+        QString text;
+        QString expectedLooks; // the text read back, with its looks
+    };
+    const Case cases[] = {
+        {8, 1, "a", "<ctr>[b]Hello [i]bag[sz] world{sz} / [u]Second{u}"},
+        {5, 5, "X", "<ctr>[b]HellX[sz] world{sz} / [u]Second{u}"},     // across runs, in the first one's look
+        {16, 1, " ", "<ctr>[b]Hello [i]big[sz] world [u]Second{u}"},   // the paragraph break: joined
+        {14, 5, "", "<ctr>[b]Hello [i]big[sz] wor[u]cond{u}"},
+        {10, 1, "\r\n", "<ctr>[b]Hello [i]big{sz} / <ctr>[sz]world{sz} / [u]Second{u}"},
+        {1, 5, "One\rTwo\nThree", "<ctr>[b]One{sz} / <ctr>[b]Two{sz} / <ctr>[b]Three [i]big[sz] world{sz} / [u]Second{u}"},
+        {10, 1, QString(QChar(11)), "<ctr>[b]Hello [i]big[sz]|world{sz} / [u]Second{u}"},
+        {17, 100, "x", "<ctr>[b]Hello [i]big[sz] world{sz} / [u]x{u}"}, // a stretch past the end ends there
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.expectedLooks.toStdString());
+        MemoryHost host(1);
+        addShapeXml(host.deck().package(), "ppt/slides/slide1.xml", textShape("box", body));
+        TextFrame& text = *host.ActivePresentation()->GetSlides()->Item(1)->GetShapes()->Item("box")->GetTextFrame();
+        ASSERT_EQ(text.Length(), 22);
+        text.ReplaceText(c.start, c.length, c.text);
+
+        MemoryHost again(reread(host.deck()), {});
+        Shape& read = *again.ActivePresentation()->GetSlides()->Item(1)->GetShapes()->Item("box");
+        QString plain = c.expectedLooks;
+        plain.remove(QRegularExpression("<ctr>|\\[\\w*\\]|\\{\\w*\\}")).replace(" / ", "\r").replace('|', QChar(11));
+        EXPECT_EQ(read.GetTextFrame()->Text().toStdString(), plain.toStdString());
+        pugi::xml_node node = again.deck().findShape(again.deck().slidePart(again.deck().slideIdAt(1)), "box");
+        EXPECT_EQ(looks(Deck::textBody(node)).toStdString(), c.expectedLooks.toStdString());
+    }
+
+    MemoryHost host(1);
+    addShapeXml(host.deck().package(), "ppt/slides/slide1.xml", textShape("box", body));
+    TextFrame& text = *host.ActivePresentation()->GetSlides()->Item(1)->GetShapes()->Item("box")->GetTextFrame();
+    for (auto [start, length] : {std::pair{0, 1}, std::pair{24, 0}, std::pair{1, -1}})
+        EXPECT_EQ(errorNumber([&] { text.ReplaceText(start, length, "x"); }), ErrNo::ItemNotFound) << start << "," << length;
+    EXPECT_EQ(text.Text(), "Hello big world\rSecond");
+}
+
+TEST_F(MemoryHostTest, TableRowsAreCopiedAndDeletedAndTheFrameFollows)
+{
+    Shape* t = shapes.AddTable(3, 2, 10, 20, 200, 90);
+    Table& table = *t->GetTable();
+    table.Cell(2, 1)->SetText("^High^");
+    table.Cell(2, 1)->SetFont("Courier New", 14, 0x0000FF);
+    table.Cell(3, 1)->SetText("last");
+    EXPECT_EQ(table.AddRowCopy(2), 3);
+    EXPECT_EQ(table.AddRowCopy(3), 4);
+    EXPECT_EQ(t->Height(), 150);
+    table.Cell(3, 1)->ReplaceText(1, 6, "42"); // a copy is filled on its own
+    table.DeleteRow(4);
+    table.DeleteRow(1);
+
+    MemoryHost again(reread(host.deck()), {});
+    Shape& read = *again.ActivePresentation()->GetSlides()->Item(1)->GetShapes()->Item(t->Name());
+    Table& rows = *read.GetTable();
+    QStringList texts;
+    for (int r = 1; r <= rows.RowCount(); ++r)
+        texts << rows.Cell(r, 1)->Text();
+    EXPECT_EQ(texts, (QStringList{"^High^", "42", "last"}));
+    EXPECT_EQ(rows.Cell(2, 1)->GetFont().Name, "Courier New");
+    EXPECT_EQ(read.Height(), 90);
+    qint64 sum = 0; // the rows still fill the frame exactly
+    for (pugi::xml_node tr : Deck::table(again.deck().findShape(again.deck().slidePart(again.deck().slideIdAt(1)), t->Name())).children())
+        sum += tr.attribute("h").as_llong();
+    EXPECT_EQ(sum, 90 * 12700);
+
+    for (int row : {0, 4}) {
+        EXPECT_EQ(errorNumber([&] { rows.AddRowCopy(row); }), ErrNo::ItemNotFound) << row;
+        EXPECT_EQ(errorNumber([&] { rows.DeleteRow(row); }), ErrNo::ItemNotFound) << row;
+    }
+    rows.DeleteRow(1);
+    rows.DeleteRow(1);
+    EXPECT_EQ(errorNumber([&] { rows.DeleteRow(1); }), ErrNo::HostUnexpected); // a table keeps one row
+    EXPECT_EQ(read.Height(), 30);
 }
 
 TEST_F(MemoryHostTest, ThemeColoursAreBlueGreenRed)

@@ -343,6 +343,30 @@ TEST_F(PptxHostTest, TablesAndFontsAreMadeAgainOnADeckAnotherProcessWrote)
     EXPECT_EQ(glyphs.Color, 0x00FF00);
 }
 
+TEST_F(PptxHostTest, RowsAndReplacedTextAreMadeAgainOnADeckAnotherProcessWrote)
+{
+    PptxHost first(deckPath), second(deckPath);
+    Shapes& shapes = *first.ActivePresentation()->GetSlides()->Item(1)->GetShapes();
+    Table& table = *shapes.AddTable(2, 2, 100, 50, 300, 60)->GetTable();
+    table.Cell(2, 1)->SetText("^High^");
+    table.AddRowCopy(2);
+    table.AddRowCopy(2);
+    table.DeleteRow(4);
+    table.Cell(2, 1)->ReplaceText(1, 6, "7");
+    second.ActivePresentation()->GetSlides()->Item(1)->GetShapes()->AddTextbox(1, 1, 50, 20)->SetName("theirs");
+    ASSERT_TRUE(second.Commit());
+    ASSERT_TRUE(first.Commit());
+
+    PptxHost again(deckPath);
+    Shapes& read = *again.ActivePresentation()->GetSlides()->Item(1)->GetShapes();
+    EXPECT_TRUE(read.Item("theirs"));
+    Shape& t = *read.Item(read.Count());
+    ASSERT_EQ(t.GetTable()->RowCount(), 3);
+    EXPECT_EQ(t.GetTable()->Cell(2, 1)->Text(), "7");
+    EXPECT_EQ(t.GetTable()->Cell(3, 1)->Text(), "^High^");
+    EXPECT_EQ(t.Height(), 90);
+}
+
 TEST_F(PptxHostTest, ChangesToAShapeAnotherProcessDeletedAreDropped)
 {
     PptxHost first(deckPath), second(deckPath);
