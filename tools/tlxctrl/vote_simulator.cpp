@@ -22,6 +22,9 @@ namespace {
 
 const QStringList kWords = {"Red", "Blue", "Green", "Yes", "No", "Maybe", "Coffee", "Tea", "Monday", "Friday"};
 
+// Beyond this a typed number no longer fits a double exactly.
+constexpr int kMostDigits = 15;
+
 bool isSingleValueType(const QString& t)
 {
     return t == "9" || t == "7" || t == "11" || t == "12" || t == "99";
@@ -43,6 +46,29 @@ int selectionCount(const VoteSetup& s, std::mt19937& rng, int available)
 {
     const int most = std::clamp(s.limits, 1, std::max(1, available));
     return RandomInRange(rng, 1, most);
+}
+
+// Digits a keypad types: the length drawn first, so that short and long numbers
+// both turn up; no leading zero except for a lone "0" when allowed.
+QString typedDigits(std::mt19937& rng, int most, bool zero)
+{
+    const int n = RandomInRange(rng, 1, most);
+    QString out = QString::number(RandomInRange(rng, n == 1 && zero ? 0 : 1, 9));
+    for (int i = 1; i < n; ++i)
+        out += QChar(u'0' + RandomInRange(rng, 0, 9));
+    return out;
+}
+
+// Most of a room types positive numbers; one in twenty a negative one.
+QString typedNumber(const VoteSetup& s, std::mt19937& rng, bool decimals)
+{
+    const int digits = std::clamp(s.limits, 1, kMostDigits);
+    QString out = typedDigits(rng, digits, decimals);
+    if (decimals)
+        out += QString(".%1").arg(RandomInRange(rng, 0, 99), 2, 10, QChar(u'0'));
+    if (RandomInRange(rng, 0, 19) == 0 && out != "0.00")
+        out.prepend(u'-');
+    return out;
 }
 
 } // namespace
@@ -79,8 +105,9 @@ QString SimulatedValue(const VoteSetup& s, std::mt19937& rng)
     if (s.abstain && isSingleValueType(t) && RandomInRange(rng, 0, 19) == 0)
         return "X";
 
-    if (isFreeNumber(s) && s.options < 1)
-        return QString::number(RandomInRange(rng, 1, 100));
+    // Typed numbers: the options announced do not bound them, Limits counts the digits.
+    if (isFreeNumber(s))
+        return typedNumber(s, rng, t == "99");
 
     // Told 99 without CPPOptions or 12: several selections, read one character each
     // (highest option below 10) or closed by "*".

@@ -272,6 +272,16 @@ struct SimCase {
     QStringList commands;
 };
 
+CoreOptions simulating(int voters, double rate, quint32 seed = 0, SimulatedRoom room = {})
+{
+    CoreOptions o;
+    room.voters = voters;
+    room.rate = rate;
+    o.simulate = room;
+    o.seed = seed;
+    return o;
+}
+
 } // namespace
 
 TEST(TlxctrlSimulator, EveryRecordIsValidForWhatWasAnnounced)
@@ -293,10 +303,7 @@ TEST(TlxctrlSimulator, EveryRecordIsValidForWhatWasAnnounced)
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        CoreOptions o;
-        o.simulate = {30, 100};
-        o.seed = 7;
-        Harness h(o);
+        Harness h(simulating(30, 100, 7));
         h.sendAll(c.commands);
         const VoteSetup setup = h.core.setup();
         h.send("StartVote");
@@ -326,10 +333,7 @@ TEST(TlxctrlSimulator, EveryRecordIsValidForWhatWasAnnounced)
 
 TEST(TlxctrlSimulator, ABurstIsOneTextWithALinePerBase)
 {
-    CoreOptions o;
-    o.simulate = {40, 50}; // five records every 100 ms
-    o.seed = 3;
-    Harness h(o);
+    Harness h(simulating(40, 50, 3)); // five records every 100 ms
     h.sendAll({"options=4", "StartVote"});
     h.clock.advanceMs(100);
     QStringList texts = h.texts();
@@ -360,9 +364,7 @@ TEST(TlxctrlSimulator, ABurstIsOneTextWithALinePerBase)
 TEST(TlxctrlSimulator, OnlyActiveKeypadsVoteAndSilenceWithoutOptions)
 {
     for (const QJsonValue& list : {QJsonValue("3,105,7,999"), QJsonValue(QJsonArray{3, 105, 7, 999})}) {
-        CoreOptions o;
-        o.simulate = {10, 100};
-        Harness h(o);
+        Harness h(simulating(10, 100));
         h.send("ReadActiveKeypads", {{wire::kActiveKeypads, list}});
         h.sendAll({"options=2", "StartVote"});
         h.clock.advanceMs(1000);
@@ -375,11 +377,72 @@ TEST(TlxctrlSimulator, OnlyActiveKeypadsVoteAndSilenceWithoutOptions)
         EXPECT_EQ(voted, (QSet<int>{3, 7, 105})); // 999 is in no base
     }
 
-    CoreOptions o;
-    o.simulate = {10, 100};
-    Harness h(o);
+    Harness h(simulating(10, 100));
     h.send("StartVote");
     h.clock.advanceMs(1000);
     EXPECT_TRUE(h.texts().isEmpty());
     EXPECT_TRUE(h.logText().contains("simulated keypads stay silent: no options announced"));
+}
+
+namespace {
+
+// A hall: 150 keypads on one base, 100 on another.
+ControllerConfig hall()
+{
+    ControllerConfig c;
+    c.bases = {BaseConfig{0, "GrandHub", 0, 1, 150, true}, BaseConfig{1, "GrandHub", 200, 1, 100, true}};
+    return c;
+}
+
+// Opens the vote, lets the room finish and returns its records, burst by burst.
+QList<QList<test::Record>> runVote(Harness& h, const QStringList& commands)
+{
+    h.sendAll(commands);
+    h.send("StartVote");
+    h.clock.advanceMs(10'000);
+    QList<QList<test::Record>> bursts;
+    for (const QString& text : h.texts()) {
+        QString error;
+        bursts.append(test::ParseRecords(text, error));
+        EXPECT_TRUE(error.isEmpty()) << error.toStdString();
+    }
+    return bursts;
+}
+
+} // namespace
+
+TEST(TlxctrlSimulator, AHallTypesNumbersOfUpToLimitsDigits)
+{
+    const struct {
+        const char* name;
+        QStringList commands;
+        const char* typed; // captures the digits before any point
+        int digits;
+    } cases[] = {
+        {"whole", {"options=4", "StartFrom=1", "VoteType=11", "CPPOptions=1", "Limits=3"}, "^-?(0|[1-9][0-9]*)$", 3},
+        {"two decimals", {"options=4", "VoteType=99", "CPPOptions=1", "Limits=4"}, "^-?(0|[1-9][0-9]*)\\.[0-9]{2}$", 4},
+        {"whole, no Limits", {"VoteType=11", "CPPOptions=1"}, "^-?([1-9])$", 1},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        Harness h(simulating(200, 1000, 11), hall());
+        const QRegularExpression typed(c.typed);
+        QSet<int> keypads;
+        QSet<qsizetype> lengths;
+        int records = 0, negatives = 0;
+        for (const auto& burst : runVote(h, c.commands))
+            for (const auto& r : burst) {
+                const auto m = typed.match(r.value);
+                ASSERT_TRUE(m.hasMatch()) << r.value.toStdString();
+                lengths.insert(m.captured(1).size());
+                negatives += r.value.startsWith('-');
+                keypads.insert(r.keypad);
+                ++records;
+            }
+        EXPECT_EQ(records, 200);
+        EXPECT_EQ(keypads.size(), 200);
+        EXPECT_EQ(lengths.size(), c.digits) << "every length up to Limits turns up";
+        EXPECT_GT(negatives, 0);
+        EXPECT_LT(negatives, 40);
+    }
 }

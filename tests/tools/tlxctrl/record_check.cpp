@@ -1,9 +1,10 @@
 #include "record_check.h"
 
+#include <QRegularExpression>
 #include <QSet>
 #include <QStringList>
 
-#include <climits>
+#include <algorithm>
 
 namespace tallix::test {
 
@@ -114,9 +115,12 @@ QString CheckValue(const VoteSetup& s, const QString& v)
                 return "selection out of range: " + x;
         return "";
     }
-    const bool freeNumber = t == "11" || (t == "99" && s.cppOptions && !s.numberedList);
-    if (freeNumber && s.options < 1)
-        return intIn(v, INT_MIN, INT_MAX) ? "" : "not a number: " + v;
+    if (t == "11" || (t == "99" && s.cppOptions && !s.numberedList)) {
+        // Typed on the keypad: up to Limits digits whatever the options, two decimals in 99.
+        const QString whole = QString("-?(0|[1-9][0-9]{0,%1})").arg(std::max(1, s.limits) - 1);
+        const QRegularExpression typed("^" + whole + (t == "99" ? "\\.[0-9]{2}$" : "$"));
+        return typed.match(v).hasMatch() ? "" : "not a typed number: " + v;
+    }
     return intIn(v, lo, hi) ? "" : "value out of range: " + v;
 }
 
