@@ -234,9 +234,13 @@ void ControllerCore::openVote()
             log_.write("  simulated keypads stay silent: " + blocker);
         } else {
             simulator_->start(setup_, votingKeypads(), [this](int k) { return config_.baseOfKeypad(k); });
-            log_.write(QString("  simulating %1 keypads at %2 records a second")
+            QString more;
+            if (simulator_->recordsDue() > simulator_->voters())
+                more = QString(", %1 answers in all").arg(simulator_->recordsDue());
+            log_.write(QString("  simulating %1 keypads at %2 records a second%3")
                            .arg(simulator_->voters())
-                           .arg(options_.simulate.rate));
+                           .arg(options_.simulate.rate)
+                           .arg(more));
         }
     }
 }

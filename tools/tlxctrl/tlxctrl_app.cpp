@@ -3,6 +3,7 @@
 #include "controller_config.h"
 #include "controller_core.h"
 #include "controller_server.h"
+#include "text_answers.h"
 #include "vote_script.h"
 #include "vote_simulator.h"
 
@@ -94,7 +95,18 @@ int TlxctrlMain(int argc, char** argv)
         "Controller stand-in: owns pretend keypad bases and speaks the controller protocol on a local socket.");
     parser.addHelpOption();
     const QCommandLineOption configOpt("config", "Read the bases from FILE instead of tlxctrl.ini.", "FILE");
-    const QCommandLineOption simulateOpt("simulate", "N keypads vote at random after StartVote, RATE records a second (default 10).", "N[:RATE]");
+    const QCommandLineOption simulateOpt(
+        "simulate",
+        "N keypads vote at random after StartVote, RATE records a second (default 10): an option within those announced; "
+        "in VoteType=11 a whole number of up to Limits digits; in VoteType=99 with CPPOptions=1 a number with two "
+        "decimals, up to Limits digits before the point; in VoteType=7 a text answer.",
+        "N[:RATE]");
+    const QCommandLineOption textsOpt(
+        "texts",
+        "With --simulate: the answers of a text vote, one a line (UTF-8, blank lines skipped; semicolons, commas and "
+        "control characters become blanks, brackets are dropped). Default: a built-in list.",
+        "FILE");
+    const QCommandLineOption multiOpt("multi", "With --simulate: in a text vote each keypad sends up to N answers, one record each (default 1).", "N");
     const QCommandLineOption scriptOpt("script", "Send the timed texts of FILE after each StartVote; a line that starts with @N only after the N-th.", "FILE");
     const QCommandLineOption logOpt("log", "Append a time-stamped line per received command to FILE (default: stderr).", "FILE");
     const QCommandLineOption seedOpt("seed", "Seed of the simulated room (default: from the time).", "N");
@@ -104,7 +116,7 @@ int TlxctrlMain(int argc, char** argv)
     const QCommandLineOption quitOpt("quit", "Tell the running controller to end, and wait for it.");
     const QCommandLineOption detachOpt("detach", "Leave the starter's session, as a controller started on first use does; without --log, log beside the socket.");
     const QCommandLineOption printOpt("print-baseinfo", "Print the BaseInfo reply the configuration gives, and exit.");
-    parser.addOptions({configOpt, simulateOpt, scriptOpt, logOpt, seedOpt, idleOpt, heartbeatOpt, socketOpt, quitOpt, detachOpt, printOpt});
+    parser.addOptions({configOpt, simulateOpt, textsOpt, multiOpt, scriptOpt, logOpt, seedOpt, idleOpt, heartbeatOpt, socketOpt, quitOpt, detachOpt, printOpt});
     if (!parser.parse(app.arguments())) {
         say(parser.errorText());
         return kExitBadInput;
@@ -144,6 +156,28 @@ int TlxctrlMain(int argc, char** argv)
         QString error;
         if (!ParseSimulateArg(parser.value(simulateOpt), options.simulate, error)) {
             say(error);
+            return kExitBadInput;
+        }
+    } else if (parser.isSet(textsOpt) || parser.isSet(multiOpt)) {
+        say(QString("--%1 needs --simulate").arg(parser.isSet(textsOpt) ? "texts" : "multi"));
+        return kExitBadInput;
+    }
+    if (parser.isSet(textsOpt)) {
+        const TextAnswers texts = LoadTextAnswers(parser.value(textsOpt));
+        if (!texts.ok()) {
+            say(texts.error);
+            return kExitBadInput;
+        }
+        if (texts.cleaned > 0)
+            say(QString("%1: %2 had characters a record cannot carry; they were replaced or dropped")
+                    .arg(parser.value(textsOpt), texts.cleaned == 1 ? "1 line" : QString("%1 lines").arg(texts.cleaned)));
+        options.simulate.texts = texts.answers;
+    }
+    if (parser.isSet(multiOpt)) {
+        bool ok = false;
+        options.simulate.multi = parser.value(multiOpt).toInt(&ok);
+        if (!ok || options.simulate.multi < 1 || options.simulate.multi > 100) {
+            say(QString("--multi \"%1\" is not a whole number from 1 to 100").arg(parser.value(multiOpt)));
             return kExitBadInput;
         }
     }

@@ -1,7 +1,10 @@
 #include "vote_simulator.h"
 
+#include "text_answers.h"
+
 #include "foundation/clock.h"
 
+#include <QSet>
 #include <QStringList>
 
 #include <algorithm>
@@ -19,8 +22,6 @@ int RandomInRange(std::mt19937& rng, int lo, int hi)
 }
 
 namespace {
-
-const QStringList kWords = {"Red", "Blue", "Green", "Yes", "No", "Maybe", "Coffee", "Tea", "Monday", "Friday"};
 
 // Beyond this a typed number no longer fits a double exactly.
 constexpr int kMostDigits = 15;
@@ -46,6 +47,12 @@ int selectionCount(const VoteSetup& s, std::mt19937& rng, int available)
 {
     const int most = std::clamp(s.limits, 1, std::max(1, available));
     return RandomInRange(rng, 1, most);
+}
+
+void shuffle(std::mt19937& rng, QList<int>& list)
+{
+    for (int i = 0; i + 1 < list.size(); ++i)
+        std::swap(list[i], list[RandomInRange(rng, i, int(list.size()) - 1)]);
 }
 
 // Digits a keypad types: the length drawn first, so that short and long numbers
@@ -92,14 +99,16 @@ QString SimulationBlocker(const VoteSetup& s)
     return {};
 }
 
-QString SimulatedValue(const VoteSetup& s, std::mt19937& rng)
+QString SimulatedValue(const VoteSetup& s, std::mt19937& rng, const QStringList& texts)
 {
     const QString& t = s.voteType;
     const int lo = s.startFrom;
     const int hi = s.top();
 
-    if (t == "7")
-        return kWords[RandomInRange(rng, 0, int(kWords.size()) - 1)];
+    if (t == "7") {
+        const QStringList& pool = texts.isEmpty() ? BuiltInTextAnswers() : texts;
+        return pool[RandomInRange(rng, 0, int(pool.size()) - 1)];
+    }
 
     // One keypad in twenty abstains when the vote allows it.
     if (s.abstain && isSingleValueType(t) && RandomInRange(rng, 0, 19) == 0)
@@ -165,7 +174,8 @@ bool ParseSimulateArg(const QString& text, SimulatedRoom& out, QString& error)
             return false;
         }
     }
-    out = {n, rate};
+    out.voters = n;
+    out.rate = rate;
     return true;
 }
 
@@ -187,11 +197,45 @@ void VoteSimulator::start(const VoteSetup& setup, const QList<int>& keypads, std
     for (int i = 0; i < n; ++i)
         std::swap(voters_[i], voters_[RandomInRange(rng_, i, int(voters_.size()) - 1)]);
     voters_ = voters_.mid(0, n);
+
+    // Everyone answers once before anyone answers again, as a room does.
+    schedule_ = voters_;
+    answered_.clear();
+    if (setup_.voteType == "7" && room_.multi > 1) {
+        QList<int> more;
+        for (int i = 0; i < n; ++i)
+            more.append(RandomInRange(rng_, 1, room_.multi) - 1);
+        for (bool any = true; any;) {
+            any = false;
+            QList<int> round;
+            for (int i = 0; i < n; ++i)
+                if (more[i] > 0) {
+                    --more[i];
+                    round.append(voters_[i]);
+                    any = true;
+                }
+            shuffle(rng_, round);
+            schedule_ += round;
+        }
+    }
     ticks_ = 0;
     next_ = 0;
     running_ = true;
     paused_ = false;
     timer_->setEnabled(n > 0);
+}
+
+QString VoteSimulator::valueFor(int keypad)
+{
+    QString v = SimulatedValue(setup_, rng_, room_.texts);
+    if (setup_.voteType != "7" || room_.multi < 2)
+        return v;
+    // Someone who answers again says something new, while the list has anything left.
+    QStringList& given = answered_[keypad];
+    for (int tries = 0; tries < 8 && given.contains(v); ++tries)
+        v = SimulatedValue(setup_, rng_, room_.texts);
+    given.append(v);
+    return v;
 }
 
 void VoteSimulator::stop()
@@ -203,23 +247,28 @@ void VoteSimulator::stop()
 void VoteSimulator::setPaused(bool paused)
 {
     paused_ = paused;
-    timer_->setEnabled(running_ && !paused_ && next_ < voters_.size());
+    timer_->setEnabled(running_ && !paused_ && next_ < schedule_.size());
 }
 
 void VoteSimulator::tick()
 {
     ++ticks_;
     const double due = room_.rate * double(ticks_ * kTickMs) / 1000.0;
-    const int until = std::min<int>(int(voters_.size()), int(std::floor(due + 1e-9)));
+    const int until = std::min<int>(int(schedule_.size()), int(std::floor(due + 1e-9)));
     if (until <= next_)
         return;
 
     // A rating record is read as one keypad per text, so each travels alone.
     const bool alone = setup_.voteType == "6";
     std::map<int, QString> lines; // by base, so each base's records form one line
+    QSet<int> inBurst;
     for (; next_ < until; ++next_) {
-        const int k = voters_[next_];
-        const QString record = "[" + QString::number(k) + ";" + SimulatedValue(setup_, rng_) + "],";
+        const int k = schedule_[next_];
+        // A keypad's answers are separate presses: never two in one burst.
+        if (inBurst.contains(k))
+            break;
+        inBurst.insert(k);
+        const QString record = "[" + QString::number(k) + ";" + valueFor(k) + "],";
         if (alone)
             sink_(record + "\r\n");
         else
@@ -231,7 +280,7 @@ void VoteSimulator::tick()
             text += line + "\r\n";
         sink_(text);
     }
-    if (next_ >= voters_.size())
+    if (next_ >= schedule_.size())
         timer_->setEnabled(false);
 }
 

@@ -1,10 +1,12 @@
 #pragma once
 // --simulate N[:RATE]: a room of N keypads that vote at random within what the voting
 // module announced, at RATE records a second, the records of each moment batched into
-// one text per burst as a base delivers them.
+// one text per burst as a base delivers them. In a free-entry vote they type numbers
+// or texts; with --multi a text vote gets several answers from a keypad.
 
 #include "vote_setup.h"
 
+#include <QHash>
 #include <QList>
 #include <QString>
 
@@ -23,15 +25,18 @@ int RandomInRange(std::mt19937& rng, int lo, int hi);
 // Empty when the setup allows simulated votes, else why not (logged by the controller).
 QString SimulationBlocker(const VoteSetup& setup);
 
-// One keypad's value in the grammar its vote type is read by.
-QString SimulatedValue(const VoteSetup& setup, std::mt19937& rng);
+// One keypad's value in the grammar its vote type is read by; a text vote's answer is
+// drawn from `texts`, or from the built-in answers when it is empty.
+QString SimulatedValue(const VoteSetup& setup, std::mt19937& rng, const QStringList& texts = {});
 
 struct SimulatedRoom {
     int voters = 0;
-    double rate = 10; // records a second
+    double rate = 10;  // records a second
+    QStringList texts; // --texts; empty: the built-in answers
+    int multi = 1;     // --multi: most answers a keypad sends in a text vote
 };
 
-// Reads "N" or "N:RATE"; false with a reason on bad input.
+// Reads "N" or "N:RATE" into the room's voters and rate; false with a reason on bad input.
 bool ParseSimulateArg(const QString& text, SimulatedRoom& out, QString& error);
 
 class VoteSimulator {
@@ -46,12 +51,14 @@ public:
     void setPaused(bool paused);
     bool running() const { return running_; }
     int recordsSent() const { return next_; }
+    int recordsDue() const { return int(schedule_.size()); }
     int voters() const { return int(voters_.size()); }
 
     static constexpr int kTickMs = 100;
 
 private:
     void tick();
+    QString valueFor(int keypad);
 
     Clock& clock_;
     std::mt19937& rng_;
@@ -60,6 +67,8 @@ private:
     std::unique_ptr<IntervalTimer> timer_;
     VoteSetup setup_;
     QList<int> voters_;
+    QList<int> schedule_; // the keypad of each record, in sending order
+    QHash<int, QStringList> answered_; // a text vote's answers so far, by keypad
     std::function<int(int)> baseOf_;
     qint64 ticks_ = 0;
     int next_ = 0;

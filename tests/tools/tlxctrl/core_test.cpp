@@ -1,5 +1,6 @@
 #include "controller_core.h"
 #include "record_check.h"
+#include "text_answers.h"
 
 #include "foundation/clock.h"
 #include "foundation/wire/json_lines.h"
@@ -445,4 +446,57 @@ TEST(TlxctrlSimulator, AHallTypesNumbersOfUpToLimitsDigits)
         EXPECT_GT(negatives, 0);
         EXPECT_LT(negatives, 40);
     }
+}
+
+TEST(TlxctrlSimulator, AHallAnswersFromTheTextsFileSeveralTimesEach)
+{
+    QTemporaryDir dir;
+    QFile f(dir.filePath("answers.txt"));
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    f.write("\xEF\xBB\xBF"
+            "Café\r\n\r\nStraße\n   \nTea, please;now\n[日本]\nnaïve\n");
+    f.close();
+    const TextAnswers texts = LoadTextAnswers(f.fileName());
+    ASSERT_TRUE(texts.ok()) << texts.error.toStdString();
+    EXPECT_EQ(texts.answers, (QStringList{"Café", "Straße", "Tea please now", "日本", "naïve"}));
+    EXPECT_EQ(texts.cleaned, 2);
+
+    SimulatedRoom room;
+    room.texts = texts.answers;
+    room.multi = 3;
+    Harness h(simulating(200, 1000, 5, room), hall());
+    QMap<int, QStringList> byKeypad;
+    for (const auto& burst : runVote(h, {"options=4", "VoteType=7"})) {
+        QSet<int> inBurst;
+        for (const auto& r : burst) {
+            EXPECT_FALSE(inBurst.contains(r.keypad)) << "two answers of keypad " << r.keypad << " in one burst";
+            inBurst.insert(r.keypad);
+            EXPECT_TRUE(texts.answers.contains(r.value)) << r.value.toStdString();
+            byKeypad[r.keypad].append(r.value);
+        }
+    }
+    EXPECT_EQ(byKeypad.size(), 200);
+    int several = 0;
+    for (const QStringList& answers : byKeypad) {
+        EXPECT_LE(answers.size(), 3);
+        EXPECT_EQ(QSet<QString>(answers.begin(), answers.end()).size(), answers.size()) << "a keypad repeated itself";
+        several += answers.size() > 1;
+    }
+    EXPECT_GT(several, 100);
+}
+
+TEST(TlxctrlSimulator, ATextsFileWithoutUsableAnswersIsRefused)
+{
+    const struct {
+        QByteArray bytes;
+        const char* error;
+    } cases[] = {
+        {"Tea\n\xC3\x28 bad\n", "a.txt line 2: not UTF-8"},
+        {"Tea\r\nCaf\xC3\r\n", "a.txt line 2: not UTF-8"},
+        {"\xEF\xBB\xBF\r\n  \n", "a.txt holds no answers"},
+        {";,[]\n", "a.txt holds no answers"},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(ParseTextAnswers(c.bytes, "a.txt").error.toStdString(), c.error);
+    EXPECT_TRUE(LoadTextAnswers("/nonexistent/a.txt").error.startsWith("cannot read /nonexistent/a.txt"));
 }
