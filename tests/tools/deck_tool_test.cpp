@@ -192,6 +192,69 @@ TEST_F(DeckToolTest, RankMarkersAreHiddenEmptyAndSteppedDownLeftOfTheChart)
     }
 }
 
+TEST_F(DeckToolTest, QuestionAnswersShapeIsATextBoxOrANumbersTableUnderItsLiveOrBackupName)
+{
+    makeQuestionDeck();
+    const QStringList base{"question", deck, "2", "--settings", settings, "--chart-area", "500,150,400,300"};
+    const auto answersShapes = [&] {
+        QList<QJsonObject> found;
+        for (const QJsonValue& v : json({"shapes", deck, "2"}).array())
+            if (v["name"].toString().startsWith("tlx_answers") || v["name"].toString().startsWith("Content Placeholder"))
+                found << v.toObject();
+        return found;
+    };
+    const QRectF place = rectOf(answersShapes().value(0));
+    const QJsonArray header{"Value", "Participant"}, row{"^High^", "^Keypad ^"};
+    struct Case {
+        QStringList options;
+        const char* name;
+        ShapeKind kind;
+        bool visible;
+        QJsonArray cells; // a table's; empty: the text "Apple\rBanana\rCherry"
+    };
+    // Made again and again on one slide, each time with one answers shape in the same place.
+    const Case cases[] = {
+        {{"--numbers-table", "2"}, "tlx_answers", ShapeKind::Table, false, {header, row, row}},
+        {{"--answers-backup"}, "tlx_answers-BAK", ShapeKind::Text, true, {}},
+        {{"--answers-backup", "--numbers-table", "1"}, "tlx_answers-BAK", ShapeKind::Table, false, {header, row}},
+        {{}, "tlx_answers", ShapeKind::Text, true, {}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.options.join(' ').toStdString());
+        ASSERT_EQ(run(base + c.options + QStringList{"--answers", "Apple|Banana|Cherry"}), 0) << err.toStdString();
+        const QList<QJsonObject> found = answersShapes();
+        ASSERT_EQ(found.size(), 1);
+        const QJsonObject& o = found[0];
+        EXPECT_EQ(o["name"].toString(), c.name);
+        EXPECT_EQ(o["kind"].toString(), ShapeKindName(c.kind));
+        EXPECT_EQ(o["visible"].toBool(), c.visible);
+        EXPECT_EQ(rectOf(o), place);
+        if (c.cells.isEmpty())
+            EXPECT_EQ(o["text"].toString(), "Apple\rBanana\rCherry");
+        else
+            EXPECT_EQ(o["cells"].toArray(), c.cells);
+    }
+}
+
+TEST_F(DeckToolTest, WordCloudIsAHiddenRectangleWhereItIsAsked)
+{
+    makeQuestionDeck();
+    for (const QRectF& r : {QRectF(100, 200, 300, 150), QRectF(50.5, 60, 70, 80)}) {
+        ASSERT_EQ(run({"question", deck, "2", "--settings", settings, "--word-cloud",
+                       QStringLiteral("%1,%2,%3,%4").arg(r.left()).arg(r.top()).arg(r.width()).arg(r.height())}),
+                  0)
+            << err.toStdString();
+        QList<QJsonObject> clouds;
+        for (const QJsonValue& v : json({"shapes", deck, "2"}).array())
+            if (v["name"].toString() == "tlx_answers_word_cloud")
+                clouds << v.toObject();
+        ASSERT_EQ(clouds.size(), 1); // made again, it moves
+        EXPECT_EQ(clouds[0]["kind"].toString(), ShapeKindName(ShapeKind::Text));
+        EXPECT_FALSE(clouds[0]["visible"].toBool());
+        EXPECT_EQ(rectOf(clouds[0]), r);
+    }
+}
+
 TEST_F(DeckToolTest, ShapesShowATablesCellsByRow)
 {
     ASSERT_EQ(run({"new", deck, "--slides", "1"}), 0) << err.toStdString();
@@ -361,6 +424,14 @@ TEST_F(DeckToolTest, BadArgumentsAndBadDecksGiveOneMessage)
         {{"question", deck, "1", "--settings", settings, "--rank-markers", "x"}, 2, "--rank-markers needs a number from 1 to 99"},
         {{"question", deck, "1", "--settings", settings, "--rank-markers", "100"}, 2, "--rank-markers needs a number from 1 to 99"},
         {{"question", deck, "1", "--settings", settings, "--rank-markers"}, 2, "--rank-markers needs a value"},
+        {{"question", deck, "1", "--settings", settings, "--numbers-table", "0"}, 2, "--numbers-table needs a number from 1 to 50"},
+        {{"question", deck, "1", "--settings", settings, "--numbers-table", "51"}, 2, "--numbers-table needs a number from 1 to 50"},
+        {{"question", deck, "1", "--settings", settings, "--numbers-table", "3", "--objects"}, 2, "cannot be used together"},
+        {{"question", deck, "1", "--settings", settings, "--word-cloud", "1,2,3"}, 2, "--word-cloud needs L,T,W,H"},
+        {{"question", deck, "1", "--settings", settings, "--word-cloud", "1,2,3,4,5"}, 2, "--word-cloud needs L,T,W,H"},
+        {{"question", deck, "1", "--settings", settings, "--word-cloud", "1,2,0,4"}, 2, "--word-cloud needs L,T,W,H"},
+        {{"question", deck, "1", "--settings", settings, "--word-cloud", "1,2,3,-4"}, 2, "--word-cloud needs L,T,W,H"},
+        {{"question", deck, "1", "--settings", settings, "--word-cloud", "a,b,c,d"}, 2, "--word-cloud needs L,T,W,H"},
         {{"shapes", deck, "1", "--bogus"}, 2, "unknown option"},
         {{"shapes", deck}, 2, "wrong arguments"},
         {{"tags", deck, "--set", "novalue"}, 2, "NAME=VALUE"},

@@ -15,6 +15,7 @@
 #include <QJsonObject>
 #include <QRegularExpression>
 #include <functional>
+#include <optional>
 #include <pugixml.hpp>
 
 namespace tallix::deck {
@@ -34,7 +35,8 @@ const char* const kMainHelp =
     "commands:\n"
     "  new OUT.pptx --slides N          a blank 16:9 deck of N slides\n"
     "  question DECK.pptx SLIDE --settings FILE.xml [--answers \"A|B|C\"] [--title TEXT]\n"
-    "           [--chart-area L,T,W,H] [--objects] [--rank-markers N]\n"
+    "           [--chart-area L,T,W,H] [--objects] [--rank-markers N] [--numbers-table N]\n"
+    "           [--answers-backup] [--word-cloud L,T,W,H]\n"
     "                                   make a slide a question slide\n"
     "  tags DECK.pptx [SLIDE] [--set NAME=VALUE] [--delete NAME] [--json]\n"
     "  shapes DECK.pptx SLIDE [--json]\n"
@@ -47,7 +49,8 @@ const QMap<QString, QString> kHelp{
             "Writes a valid blank deck (16:9, one title-and-content layout, a theme) with N slides.\n"},
     {"question", "usage: tallix-deck question DECK.pptx SLIDE --settings FILE.xml [--answers \"A|B|C\"]\n"
                  "                            [--title TEXT] [--chart-area L,T,W,H] [--objects]\n"
-                 "                            [--rank-markers N]\n"
+                 "                            [--rank-markers N] [--numbers-table N] [--answers-backup]\n"
+                 "                            [--word-cloud L,T,W,H]\n"
                  "Stores the settings document in the slide's tag tlxVote, marks the notes, and\n"
                  "places the shapes tlx_question, tlx_answers (one paragraph per answer) and\n"
                  "\"tallix chart sample\" (at the chart area, in points).\n"
@@ -55,7 +58,14 @@ const QMap<QString, QString> kHelp{
                  "                   one row: the answer, and an empty cell for an object vote's result\n"
                  "--rank-markers N   adds N (1 to 99) hidden, empty text shapes \"tallix rank marker 01\"\n"
                  "                   to \"tallix rank marker NN\" left of the chart area, one per item\n"
-                 "Either option replaces the shapes it made before.\n"},
+                 "--numbers-table N  makes tlx_answers a hidden table for a numeric result instead:\n"
+                 "                   a header row \"Value | Participant\" and N (1 to 50) template rows\n"
+                 "                   \"^High^ | ^Keypad ^\", in the answers' place; not with --objects\n"
+                 "--answers-backup   names the answers shape tlx_answers-BAK, the backup a vote copies\n"
+                 "                   into a live tlx_answers\n"
+                 "--word-cloud L,T,W,H  adds a hidden rectangle tlx_answers_word_cloud there (points),\n"
+                 "                   where a word cloud result is drawn\n"
+                 "Each option replaces the shapes it made before.\n"},
     {"tags", "usage: tallix-deck tags DECK.pptx [SLIDE] [--set NAME=VALUE]... [--delete NAME]... [--json]\n"
              "Changes and lists the tags of the presentation, or of slide SLIDE.\n"},
     {"shapes", "usage: tallix-deck shapes DECK.pptx SLIDE [--json]\n"
@@ -196,6 +206,53 @@ void placeObjectTables(Shapes& shapes, const PageSetup& page, Shape& list, const
     }
 }
 
+// The table a numeric result fills: a header, then template rows that the result copies
+// for each value and removes when left over.
+Shape* placeNumbersTable(Shapes& shapes, const QRectF& place, int templates)
+{
+    Shape* t = shapes.AddTable(templates + 1, 2, place.left(), place.top(), place.width(), place.height());
+    Table& table = *t->GetTable();
+    table.Cell(1, 1)->SetText("Value");
+    table.Cell(1, 2)->SetText("Participant");
+    for (int r = 2; r <= templates + 1; ++r) {
+        table.Cell(r, 1)->SetText("^High^");
+        table.Cell(r, 2)->SetText("^Keypad ^");
+    }
+    // Free-entry results are revealed when the vote ends.
+    t->SetVisible(false);
+    return t;
+}
+
+// An option's L,T,W,H in points; none when the option is not given.
+std::optional<QRectF> rectOption(const Args& a, const QString& option)
+{
+    if (!a.flag(option))
+        return std::nullopt;
+    const QStringList parts = a.value(option).split(',');
+    QList<double> v;
+    for (const QString& p : parts) {
+        bool ok = false;
+        v << p.trimmed().toDouble(&ok);
+        if (!ok)
+            break;
+    }
+    if (v.size() != 4 || parts.size() != 4 || v[2] <= 0 || v[3] <= 0)
+        throw UsageError{QStringLiteral("--%1 needs L,T,W,H in points").arg(option)};
+    return QRectF(v[0], v[1], v[2], v[3]);
+}
+
+// A number option from 1 to `max`; 0 when the option is not given.
+int countOption(const Args& a, const QString& option, int max)
+{
+    if (!a.flag(option))
+        return 0;
+    bool ok = false;
+    const int n = a.value(option).toInt(&ok);
+    if (!ok || n < 1 || n > max)
+        throw UsageError{QStringLiteral("--%1 needs a number from 1 to %2").arg(option).arg(max)};
+    return n;
+}
+
 // Markers for the item being rated: one per item, down the left edge of the chart area.
 void placeRankMarkers(Shapes& shapes, const QRectF& chart, int count)
 {
@@ -212,18 +269,17 @@ void placeRankMarkers(Shapes& shapes, const QRectF& chart, int count)
 
 int cmdQuestion(const QStringList& argv, QTextStream& out)
 {
-    const Args a = parse(argv, {"settings", "answers", "title", "chart-area", "rank-markers"}, {"objects"});
+    const Args a = parse(argv, {"settings", "answers", "title", "chart-area", "rank-markers", "numbers-table", "word-cloud"},
+                         {"objects", "answers-backup"});
     need(a, 2, "question");
     if (!a.flag("settings"))
         throw UsageError{QStringLiteral("--settings FILE.xml is required")};
-    int markers = 0;
-    if (a.flag("rank-markers")) {
-        bool ok = false;
-        markers = a.value("rank-markers").toInt(&ok);
-        // The names carry two digits.
-        if (!ok || markers < 1 || markers > 99)
-            throw UsageError{QStringLiteral("--rank-markers needs a number from 1 to 99")};
-    }
+    const int markers = countOption(a, "rank-markers", 99); // the names carry two digits
+    const int numberRows = countOption(a, "numbers-table", 50);
+    if (numberRows && a.flag("objects"))
+        throw UsageError{QStringLiteral("--numbers-table and --objects cannot be used together")};
+    const std::optional<QRectF> chartArea = rectOption(a, "chart-area");
+    const std::optional<QRectF> wordCloud = rectOption(a, "word-cloud");
     QFile file(a.value("settings"));
     if (!file.open(QIODevice::ReadOnly))
         throw UsageError{QStringLiteral("cannot read %1: %2").arg(file.fileName(), file.errorString())};
@@ -236,20 +292,8 @@ int cmdQuestion(const QStringList& argv, QTextStream& out)
     Presentation& pres = *host.ActivePresentation();
     Slide& slide = *pres.GetSlides()->Item(slideNumber(a.positional[1], pres));
     const PageSetup page = pres.GetPageSetup();
-    QRectF chart(page.SlideWidth * 0.52, page.SlideHeight * 0.25, page.SlideWidth * 0.43, page.SlideHeight * 0.65);
-    if (a.flag("chart-area")) {
-        const QStringList parts = a.value("chart-area").split(',');
-        QList<double> v;
-        for (const QString& p : parts) {
-            bool ok = false;
-            v << p.trimmed().toDouble(&ok);
-            if (!ok)
-                break;
-        }
-        if (v.size() != 4 || parts.size() != 4 || v[2] <= 0 || v[3] <= 0)
-            throw UsageError{QStringLiteral("--chart-area needs L,T,W,H in points")};
-        chart = QRectF(v[0], v[1], v[2], v[3]);
-    }
+    const QRectF chart = chartArea.value_or(
+        QRectF(page.SlideWidth * 0.52, page.SlideHeight * 0.25, page.SlideWidth * 0.43, page.SlideHeight * 0.65));
 
     SaveSettingsToSlide(host, slide.SlideIndex(), QString::fromUtf8(xmlBytes));
 
@@ -273,20 +317,37 @@ int cmdQuestion(const QStringList& argv, QTextStream& out)
     if (!a.flag("answers"))
         for (const QString& line : settingsText(settings, "Answers").split(QRegularExpression("[\r\n]+"), Qt::SkipEmptyParts))
             answers << line.trimmed();
-    Shape* list = findShape(shapes, [](Shape& s) { return s.Name() == "tlx_answers"; });
+    // One answers shape, under its live name or its backup's: a text box made before under
+    // either name is used again, anything else made before goes.
+    const QString answersName = a.flag("answers-backup") ? QStringLiteral("tlx_answers-BAK") : QStringLiteral("tlx_answers");
+    const QRectF answersPlace(page.SlideWidth * 0.05, chart.top(), qMax(36.0, chart.left() - page.SlideWidth * 0.07),
+                              chart.height());
+    auto isAnswers = [](Shape& s) { return s.Name() == "tlx_answers" || s.Name() == "tlx_answers-BAK"; };
+    Shape* list = numberRows ? nullptr : findShape(shapes, [&](Shape& s) { return isAnswers(s) && s.HasTextFrame(); });
+    for (int i = shapes.Count(); i >= 1; --i)
+        if (shapes.Item(i) != list && isAnswers(*shapes.Item(i)))
+            shapes.Item(i)->Delete();
+    auto isBody = [](Shape& s) {
+        const int t = s.PlaceholderFormatType();
+        return s.HasTextFrame() && (t == PlaceholderType::Object || t == PlaceholderType::Body);
+    };
     if (!list)
-        list = findShape(shapes, [](Shape& s) {
-            const int t = s.PlaceholderFormatType();
-            return s.HasTextFrame() && (t == PlaceholderType::Object || t == PlaceholderType::Body);
-        });
-    if (!list)
-        list = shapes.AddTextbox(page.SlideWidth * 0.05, chart.top(), page.SlideWidth * 0.45, chart.height());
-    list->SetName("tlx_answers");
-    list->SetLeft(page.SlideWidth * 0.05);
-    list->SetTop(chart.top());
-    list->SetWidth(qMax(36.0, chart.left() - page.SlideWidth * 0.07));
-    list->SetHeight(chart.height());
-    list->GetTextFrame()->SetText(answers.join('\r'));
+        list = findShape(shapes, isBody);
+    if (numberRows) {
+        // The table takes the content placeholder's place rather than lying over it.
+        if (list)
+            list->Delete();
+        list = placeNumbersTable(shapes, answersPlace, numberRows);
+    } else {
+        if (!list)
+            list = shapes.AddTextbox(answersPlace.left(), answersPlace.top(), answersPlace.width(), answersPlace.height());
+        list->SetLeft(answersPlace.left());
+        list->SetTop(answersPlace.top());
+        list->SetWidth(answersPlace.width());
+        list->SetHeight(answersPlace.height());
+        list->GetTextFrame()->SetText(answers.join('\r'));
+    }
+    list->SetName(answersName);
 
     Shape* sample = findShape(shapes, [](Shape& s) { return s.Name() == "tallix chart sample"; });
     if (!sample) {
@@ -302,6 +363,13 @@ int cmdQuestion(const QStringList& argv, QTextStream& out)
         placeObjectTables(shapes, page, *list, answers);
     if (markers)
         placeRankMarkers(shapes, chart, markers);
+    if (wordCloud) {
+        deleteShapes(shapes, QRegularExpression("^tlx_answers_word_cloud$"));
+        Shape* cloud = shapes.AddShape(AutoShape::Rectangle, wordCloud->left(), wordCloud->top(), wordCloud->width(),
+                                       wordCloud->height());
+        cloud->SetName("tlx_answers_word_cloud");
+        cloud->SetVisible(false);
+    }
 
     if (!host.Commit())
         throw UsageError{QStringLiteral("%1 is locked by another process; nothing written").arg(a.positional[0])};
