@@ -1,5 +1,4 @@
-// The real program: over its real socket (the one test here that runs in real time), and
-// refusing bad arguments before it listens.
+// The real program over its real socket: the one test here that runs in real time.
 
 #include "foundation/wire/json_lines.h"
 
@@ -112,33 +111,4 @@ TEST(TlxctrlProcess, ServesAScriptedVoteSurvivesBadLinesAndQuitsWhenTold)
                                  "command DeleteTask=Vote,Voting...\\r\\nEndVote", "vote closed (task deleted)",
                                  "control quit", "stopped"})
         EXPECT_TRUE(text.contains(expected)) << expected;
-}
-
-TEST(TlxctrlProcess, RefusesUnusableSimulationArguments)
-{
-    QTemporaryDir dir;
-    writeFile(dir.filePath("bad.txt"), "Caf\xE9\n");
-    writeFile(dir.filePath("good.txt"), "Tea\n");
-    const struct {
-        QStringList args;
-        const char* says;
-    } cases[] = {
-        {{"--simulate", "5", "--texts", dir.filePath("missing.txt")}, "cannot read"},
-        {{"--simulate", "5", "--texts", dir.filePath("bad.txt")}, "bad.txt line 1: not UTF-8"},
-        {{"--texts", dir.filePath("good.txt")}, "--texts needs --simulate"},
-        {{"--simulate", "5", "--multi", "0"}, "--multi \"0\" is not a whole number from 1 to 100"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.says);
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert("APPDATA", dir.filePath("appdata"));
-        env.insert("TALLIX_CONTROLLER_SOCKET", dir.filePath("never.sock"));
-        QProcess p;
-        Reaper reaper{p};
-        p.setProcessEnvironment(env);
-        p.start(TALLIX_BINARY_DIR "/bin/tlxctrl", c.args);
-        ASSERT_TRUE(p.waitForFinished(5000));
-        EXPECT_EQ(p.exitCode(), 2);
-        EXPECT_TRUE(QString::fromUtf8(p.readAllStandardError()).contains(c.says)) << p.readAllStandardError().toStdString();
-    }
 }
