@@ -96,4 +96,12 @@ void HideRatingDistribution(RunContext& ctx)
         ctx.chartProcedures->HideDistribution();
 }
 
+void DisplayWordCloud(RunContext& ctx, const QStringList& words, const QList<int>& counts, const QRectF& place)
+{
+    if (ctx.chartProcedures)
+        ctx.chartProcedures->DisplayWordCloud(words, counts, place);
+    else
+        NotBuiltYet(ctx, "Common_ChartDisplay", "DisplayWordCloud");
+}
+
 } // namespace tallix

@@ -3,6 +3,10 @@
 // fills `ctx.chartProcedures` with the real charts, and without it each says once in
 // the debug log that it is not there and returns.
 
+#include <QList>
+#include <QRectF>
+#include <QStringList>
+
 namespace tallix {
 
 struct RunContext;
@@ -45,6 +49,9 @@ public:
     virtual void RefreshResult() {}
     // The distribution element is hidden before an item's bar is drawn for the slide.
     virtual void HideDistribution() {}
+    // A free-text vote's distinct answers sized by their counts, the result window laid over
+    // `place` (fractions of the slide).
+    virtual void DisplayWordCloud(const QStringList& /*words*/, const QList<int>& /*counts*/, const QRectF& /*place*/) {}
 };
 
 void DisplayChart(RunContext& ctx, DisplayChartArgs args);
@@ -61,5 +68,6 @@ void DisplayRatingDistribution(RunContext& ctx, short itemIndex);
 void showRankResultsAll(RunContext& ctx);
 void RefreshResult(RunContext& ctx);
 void HideRatingDistribution(RunContext& ctx);
+void DisplayWordCloud(RunContext& ctx, const QStringList& words, const QList<int>& counts, const QRectF& place);
 
 } // namespace tallix

@@ -73,6 +73,9 @@ private:
 
 // The decoder: runs on every change of `txt_data`.
 void txt_data_Change(RunContext& ctx);
+// Whether a free-entry value is taken: in a number vote a plain decimal or "X" only, and
+// never more than 1,000 characters.
+bool FreeEntryValueCounts(const RunContext& ctx, QStringView value);
 
 // The settings block a controller sends in reply to BaseInfo; true when `text` was one.
 bool HandleSettingsBlock(RunContext& ctx, const QString& text);

@@ -17,6 +17,8 @@
 #include "vote/vote_close.h"
 #include "vote/votes_cast_boxes.h"
 
+#include <QRegularExpression>
+
 #include <cmath>
 
 namespace tallix {
@@ -91,6 +93,24 @@ void forEachPiece(QStringView text, char16_t first, char16_t second, Fn&& fn)
         from = at + 2;
     }
 }
+
+} // namespace
+
+bool FreeEntryValueCounts(const RunContext& ctx, QStringView value)
+{
+    // No keypad sends that much; kept, it would fill every saved line and the live list.
+    if (value.size() > 1000)
+        return false;
+    const bool numbers = ctx.FractionalJoltTEXT == 0 &&
+                         (ctx.controllerVoteType == u"11" || ctx.controllerVoteType == u"99");
+    if (!numbers || value == u"X")
+        return true;
+    // A slip on a keypad must not become a number: plain decimals only.
+    static const QRegularExpression plain(QStringLiteral("^-?[0-9]+(\\.[0-9]+)?$"));
+    return plain.match(value.toString()).hasMatch();
+}
+
+namespace {
 
 class Decoder {
 public:
@@ -320,6 +340,8 @@ bool Decoder::singleRecord(QStringView record)
         number = tlxVal(value);
     }
     const bool isX = value == u"X";
+    if (ctx_.FixedFree == 1 && !FreeEntryValueCounts(ctx_, value))
+        return true;
     if (ctx_.FixedFree != 1) {
         const double top = ctx_.optionCount - (1 - ctx_.startFrom);
         const bool outOfRange = number < ctx_.startFrom || number > top;

@@ -3,6 +3,7 @@
 #include "charts/chart_procedures.h"
 #include "charts/collation.h"
 #include "controller/comms.h"
+#include "controller/live_text.h"
 #include "foundation/clock.h"
 #include "foundation/dialogs.h"
 #include "foundation/environment.h"
@@ -62,6 +63,7 @@ vCastForm::vCastForm(RunContext& ctx, VotesCastView& view)
     tmrBaseStatus_->onTick([this] { tmr_baseStatusMonitor_Timer(); });
     tmrAppOpen_->onTick([this] { Tmr_AppOpen_Timer(); });
     tmrNotVotedCheck_->onTick([this] { tmr_checkKeypadsNotVotedPopUp_Timer(); });
+    tmrJoltScroll_->onTick([this] { tmr_JolttextScroll_Timer(); });
     tmrBaseStatus_->setEnabled(true);
     tmrAppOpen_->setEnabled(true);
 }
@@ -116,6 +118,7 @@ void vCastForm::Form_Load()
 void vCastForm::Form_Unload()
 {
     tmrAppOpen_->setEnabled(false);
+    tmrJoltScroll_->setEnabled(false);
     tmrCDown_->setEnabled(false);
     tmrCDownPause_->setEnabled(false);
     tmrBaseStatus_->setEnabled(false);
@@ -484,6 +487,15 @@ void vCastForm::SetCaption(const QString& text, int fontSize)
 }
 
 void vCastForm::ResetKeyboardKeypad() { nextKeyboardKeypad = ctx_.firstKeypad - 1; }
+
+bool vCastForm::TextScrollRunning() const { return tmrJoltScroll_->enabled(); }
+void vCastForm::StartTextScroll() { tmrJoltScroll_->setEnabled(true); }
+
+void vCastForm::tmr_JolttextScroll_Timer()
+{
+    tmrJoltScroll_->setInterval(std::max(1, int(std::lround(ctx_.WLSSpeed * 1000))));
+    JolttextScrollTick(ctx_);
+}
 
 void vCastForm::ClearCountDown()
 {

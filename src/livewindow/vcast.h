@@ -72,6 +72,8 @@ public:
     int IterationCounter() const override { return iterationCounter; }
     void SetIterationCounter(int n) override { iterationCounter = n; }
     void ResetKeyboardKeypad() override;
+    bool TextScrollRunning() const override;
+    void StartTextScroll() override;
 
     // Events of the window.
     void Form_KeyPress(int keyAscii);
@@ -88,6 +90,7 @@ public:
     void tmr_baseStatusMonitor_Timer();
     void Tmr_AppOpen_Timer();
     void tmr_checkKeypadsNotVotedPopUp_Timer();
+    void tmr_JolttextScroll_Timer();
 
     IntervalTimer& tmr_cDownTimer() { return *tmrCDown_; }
     IntervalTimer& tmr_cDownPause() { return *tmrCDownPause_; }

@@ -114,4 +114,12 @@ QStringList SplitPPTTag(QString text, const QString& separator)
     return text.split("\r\n");
 }
 
+void RevealAnswerShape(RunContext& ctx, const QString& shapeName, short /*returnToSlide*/)
+{
+    if (ctx.arg1 == QLatin1String("TLXGROUP"))
+        return;
+    if (host::Shape* s = ShapeNamed(SlideAt(ctx, ctx.currentSlide), shapeName))
+        s->SetVisible(true);
+}
+
 } // namespace tallix

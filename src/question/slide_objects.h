@@ -24,5 +24,8 @@ bool CheckForPPTShape(RunContext& ctx, int slide, const QString& name, host::Pre
                       bool refresh = false);
 int FindPowerPointShapeIndexByName(RunContext& ctx, int slide, const QString& name);
 QStringList SplitPPTTag(QString text, const QString& separator);
+// Shows an answers shape during the show (a group run leaves it as it is); a missing one is
+// passed over.
+void RevealAnswerShape(RunContext& ctx, const QString& shapeName, short returnToSlide);
 
 } // namespace tallix

@@ -95,6 +95,10 @@ public:
     virtual int IterationCounter() const { return 0; }
     virtual void SetIterationCounter(int) {}
     virtual void ResetKeyboardKeypad() {}
+
+    // --- A free-text vote's scrolling list of answers.
+    virtual bool TextScrollRunning() const { return false; }
+    virtual void StartTextScroll() {}
 };
 
 // The keypads-not-voted window.

@@ -19,7 +19,8 @@
 #include "vote/run_context.h"
 #include "vote/vote_close.h"
 #include "vote/vote_driver.h"
-#include "vote/vote_end_stubs.h"
+#include "controller/free_entry_results.h"
+#include "question/slide_objects.h"
 
 namespace tallix {
 
@@ -207,16 +208,36 @@ void EndNormalVote(RunContext& ctx)
         }
         if (ctx.FixedFree == 1 && ctx.FractionalJoltTEXT > 0) {
             JolttextVote_ResultsDisplay(ctx);
+            // A word cloud is a placed picture that waits for the presenter; the answers on
+            // the slide, listed or stored, are the result of every other text vote.
+            if (ctx.Joltdisplay == 2 && ctx.FrmTChart) {
+                GraphtoSlide(ctx, -1);
+                if (!reshow)
+                    AwaitPresenterAfterResult(ctx);
+            } else {
+                RecordVoteEnd(ctx, "Vote finished");
+            }
+            FullShutDown(ctx);
+            return;
+        }
+        // Typed numbers reach their own display whatever code they were sent with.
+        const bool typedNumbers = ctx.FixedFree == 1;
+        if (typedNumbers && ctx.FreeNumDisplay_Type != 0) {
+            Numeric_ResultsDisplay(ctx);
+            RevealAnswerShape(ctx, QStringLiteral("tlx_answers"), 0);
+            RecordVoteEnd(ctx, "Vote finished");
+            FullShutDown(ctx);
             return;
         }
         DisplayChartArgs args;
         if (cvt == "6") {
+            ScoreSum(ctx);
             ScalepadSetup(ctx);
             ctx.vType = 0;
             args.seriesCount = -1;
             args.fadeIn = 1;
             DisplayChart(ctx, args);
-        } else if (cvt == "12" || cvt == "99") {
+        } else if (!typedNumbers && (cvt == "12" || cvt == "99")) {
             ctx.vType = 0;
             // A long list of single choices is one series of totals like any other vote.
             args.seriesCount = 1;
@@ -225,11 +246,10 @@ void EndNormalVote(RunContext& ctx)
         } else if (ctx.vType == 2) {
             DisplayMultiChart(ctx, ctx.DisplayBy, ctx.Iterations, reshow);
         } else {
-            if (ctx.FixedFree == 1) {
-                if (ctx.FreeNumDisplay_Type == 0)
-                    ConvertResultsToFractions(ctx);
-                else
-                    Numeric_ResultsDisplay(ctx);
+            if (typedNumbers) {
+                // The typed numbers become choices of the answer ranges, charted as any vote.
+                Fraction_ResultsConversion(ctx);
+                RevealAnswerShape(ctx, QStringLiteral("tlx_answers"), 0);
             }
             args.filterSet = reshow ? -1 : 0;
             args.fadeIn = 1;

@@ -7,7 +7,10 @@
 #include "foundation/numbers.h"
 #include "vote/run_context.h"
 
+#include "foundation/text_files.h"
+
 #include <QFile>
+#include <QRegularExpression>
 
 #include <cmath>
 
@@ -71,8 +74,11 @@ void LoadRandomTexts(RunContext& ctx)
         return;
     ctx.rndTextsLoaded = true;
     QFile f(JoinPath(ctx.env.perUserBase(), "\\tallix\\rndTextVotes.txt"));
-    if (f.open(QIODevice::ReadOnly))
-        ctx.rndTextList = QString::fromUtf8(f.readAll()).split("\r\n");
+    if (f.open(QIODevice::ReadOnly)) {
+        // One answer a line, whatever line ends the file was written with.
+        ctx.rndTextList = DecodeUserText(f.readAll()).split(QRegularExpression("\r\n|\r|\n"));
+        ctx.rndTextList.removeAll(QString());
+    }
     if (ctx.rndTextList.isEmpty()) {
         for (int i = 1; i <= 10; ++i)
             ctx.rndTextList << QStringLiteral("Text %1").arg(i);

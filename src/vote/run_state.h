@@ -280,6 +280,14 @@ struct RunState {
     QString controllerVoteType;
     QString keypadDisplayText;
     qint32 Limits = 0;
+    // Free-entry votes: what the keypads are told, and the answers as they come.
+    QString questionText;
+    qint32 Allocation = 0;
+    qint32 Points = 0;
+    QString bannedWords;          // lower-case words, each wrapped in "|"
+    QStringList responseList;     // every accepted answer, oldest first
+    qint32 scrollPos = 0;
+    VbArray<double> aScores;
     short currentIteration = 0;
     // The selection whose text results are being written; -1 for the totals.
     short textResultsIteration = -1;

@@ -9,7 +9,6 @@
 #include "vote/forms.h"
 #include "controller/scalepad_votes.h"
 #include "vote/run_context.h"
-#include "vote/vote_end_stubs.h"
 
 namespace tallix {
 
