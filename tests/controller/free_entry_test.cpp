@@ -218,6 +218,45 @@ TEST_F(LiveList, StoredAnswersGoInChunksOfTheOptionCount)
     EXPECT_TRUE(tags->Item("3tlx_answers").isEmpty());
 }
 
+TEST_F(ControllerTest, ScalepadSetupTellsTheQuestionAnswersAndAllowance)
+{
+    host::Shapes* shapes = ctx.oPres->GetSlides()->Item(1)->GetShapes();
+    host::Shape* q = shapes->AddTextbox(0, 0, 100, 20);
+    q->SetName("tlx_question");
+    q->GetTextFrame()->SetText("Best fruit?");
+    EXPECT_EQ(ScalepadSetup(ctx), 0);   // no answers: only the two texts of the keypad's screen
+    EXPECT_EQ(link.sent, QStringList({"PreVoteText=Best fruit?", "PostVotedText=Vote Sent"}));
+
+    host::Shape* a = shapes->AddTextbox(0, 30, 100, 60);
+    a->SetName("tlx_answers");
+    a->GetTextFrame()->SetText("Apple\r\nPear\r\nPlum");
+    struct Case {
+        short graphType;
+        const char* voteType;
+        const char* answers;
+        const char* allocation;
+        const char* points;
+        const char* limits;
+    };
+    ctx.MaxPointsAvailable = 10;
+    ctx.MaxPointsPerItem = 3;
+    ctx.Iterations = 2;
+    ctx.optionCount = 5;
+    const Case cases[] = {
+        {2, "9", "AnswerText=1. Apple|2. Pear|3. Plum", "Allocation=3", "Points=10", "Limits=2"},
+        {2, "11", "AnswerText=Apple|Pear|Plum", "Allocation=3", "Points=10", "Limits=2"},
+        // A rating vote: every item of the answers may take every mark.
+        {7, "9", "AnswerText=1. Apple|2. Pear|3. Plum", "Allocation=5", "Points=15", "Limits=3"},
+    };
+    for (const Case& c : cases) {
+        link.sent.clear();
+        ctx.GraphType = c.graphType;
+        ctx.controllerVoteType = c.voteType;
+        EXPECT_EQ(ScalepadSetup(ctx), 3);
+        EXPECT_EQ(link.sent.mid(2), QStringList({c.answers, c.allocation, c.points, c.limits})) << c.voteType;
+    }
+}
+
 class NumbersTable : public ControllerTest {
 protected:
     // A header and `templates` template rows, as the slide editor leaves them.
