@@ -104,6 +104,7 @@ TSeries& TSeries::asBar() { return view(scBar, "asBar"); }
 TSeries& TSeries::asHorizBar() { return view(scHorizBar, "asHorizBar"); }
 TSeries& TSeries::asPie() { return view(scPie, "asPie"); }
 TSeries& TSeries::asDonut() { return view(scDonut, "asDonut"); }
+TSeries& TSeries::asWordCloud() { return view(scWordCloud, "asWordCloud"); }
 
 void TSeries::checkIndex(int index) const
 {
@@ -407,7 +408,7 @@ void TChartModel::RemoveAllSeries() { series_.clear(); }
 
 int TChartModel::AddSeries(int code)
 {
-    if (code != scBar && code != scHorizBar && code != scPie && code != scDonut)
+    if (code != scBar && code != scHorizBar && code != scPie && code != scDonut && code != scWordCloud)
         Raise(ErrNo::InvalidProcedureCall, QStringLiteral("Unknown series class %1").arg(code));
     series_.push_back(std::make_unique<TSeries>(code));
     return int(series_.size()) - 1;

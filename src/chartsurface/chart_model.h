@@ -153,10 +153,11 @@ struct TChartPoint {
     bool IsNull = false;
 };
 
-enum SeriesClass { scBar = 1, scHorizBar = 2, scPie = 5, scDonut = 25 };
+enum SeriesClass { scBar = 1, scHorizBar = 2, scPie = 5, scDonut = 25, scWordCloud = 40 };
 
-// One series. The class-specific views asBar()/asHorizBar()/asPie()/asDonut() are this same
-// object, checked against the class, so asking a pie for its bar view fails as it should.
+// One series. The class-specific views asBar()/asHorizBar()/asPie()/asDonut()/asWordCloud()
+// are this same object, checked against the class, so asking a pie for its bar view fails as
+// it should.
 class TSeries {
 public:
     explicit TSeries(int code);
@@ -167,11 +168,13 @@ public:
     bool IsBarKind() const { return code_ == scBar || code_ == scHorizBar; }
     bool IsPieKind() const { return code_ == scPie || code_ == scDonut; }
     bool IsHorizontal() const { return code_ == scHorizBar; }
+    bool IsWordCloud() const { return code_ == scWordCloud; }
 
     TSeries& asBar();
     TSeries& asHorizBar();
     TSeries& asPie();
     TSeries& asDonut();
+    TSeries& asWordCloud();
 
     // Points.
     int Add(double value, const QString& label = {}, OleColor colour = clNone);
@@ -189,7 +192,8 @@ public:
     TValueList& MandatoryValues() { return IsHorizontal() ? XValues : YValues; }
 
     // Pixel position of a point in the last drawn chart: bars give the bar's left edge and its
-    // value end (vertical) or value end and top edge (horizontal); pies the slice's rim middle.
+    // value end (vertical) or value end and top edge (horizontal); pies the slice's rim middle;
+    // a word cloud the centre of the word.
     int CalcXPos(int index) const;
     int CalcYPos(int index) const;
     // Index of the point drawn under (x, y) in the last drawn chart, or -1.
@@ -229,10 +233,19 @@ public:
     int DonutPercent = 50;
     int RotationAngle = 0; // degrees clockwise from twelve o'clock
 
+    // Word clouds: a point's value is its word's count, its label the word. The smallest
+    // count is drawn at WordFontMin points, the largest at WordFontMax, linear between; a
+    // point without a colour of its own takes one between WordColorMin and WordColorMax the
+    // same way. The face (and bold, italic) is Marks.Font's; Marks themselves are not drawn.
+    int WordFontMin = 12;
+    int WordFontMax = 44;
+    OleColor WordColorMin = Rgb(122, 160, 204);
+    OleColor WordColorMax = Rgb(23, 55, 110);
+
     // Filled by each draw; read through CalcXPos, CalcYPos and Clicked.
     struct Drawn {
         QPoint pos;   // CalcXPos/CalcYPos
-        QRect hit;    // bar rectangle, or the slice's bounding box
+        QRect hit;    // bar rectangle, the slice's bounding box, or the word's ink box
         bool valid = false;
     };
     std::vector<Drawn> drawn_;

@@ -11,6 +11,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
+#include <map>
+#include <numeric>
+#include <optional>
 
 namespace tallix {
 
@@ -1214,6 +1218,209 @@ void DrawPie(TChartModel& m, QPainter& p, QRectF area, int si)
     }
 }
 
+// ---- word clouds -----------------------------------------------------------------------------
+
+constexpr double kWordGap = 2;     // pixels kept free between the ink of two words
+constexpr double kWordFloorPt = 6; // a word shrunk to fit goes no smaller
+
+// Ink box of text whose baseline starts at (0, 0), with a margin that grows with the size so big
+// words do not touch. A path, not the metrics, so that accents and glyphs from a fallback font
+// count, and words pack by what is actually drawn.
+QRectF InkBox(const QString& text, const QFont& font)
+{
+    const double margin = std::max(1.0, font.pixelSize() / 24.0);
+    QPainterPath path;
+    path.addText(QPointF(0, 0), font, text);
+    QRectF r = path.boundingRect();
+    if (r.isEmpty()) {
+        const QFontMetricsF fm(font);
+        r = QRectF(0, -fm.ascent(), std::max(1.0, fm.horizontalAdvance(text)), fm.height());
+    }
+    return r.adjusted(-margin, -margin, margin, margin);
+}
+
+// Points along an outward spiral from the plot's centre, pitch pixels apart along the curve and
+// between turns, stretched to the plot's shape so that the cloud fills a wide plot sideways; out
+// to where the spiral has passed every corner.
+std::vector<QPointF> SpiralPoints(const QRectF& plot, double pitch)
+{
+    const bool wide = plot.width() >= plot.height();
+    const double sx = wide ? plot.width() / plot.height() : 1.0;
+    const double sy = wide ? 1.0 : plot.height() / plot.width();
+    const double rEnd = std::min(plot.width(), plot.height()) / std::sqrt(2.0) + pitch;
+    const QPointF c = plot.center();
+    std::vector<QPointF> out;
+    for (double theta = 0;;) {
+        const double r = pitch * theta / (2 * kPi);
+        if (r > rEnd)
+            return out;
+        out.emplace_back(c.x() + r * sx * std::cos(theta), c.y() + r * sy * std::sin(theta));
+        theta += pitch / std::max(pitch, r * std::max(sx, sy));
+    }
+}
+
+// The part of the plot the words placed so far take, on a grid of small cells: a cell is
+// touched when a word's box (with the gap round it) reaches into it, covered when the box takes
+// all of it. Touched cells are summed so that a rectangle of cells counts at once: one lying
+// wholly inside a candidate box is overlap for certain, and most spiral positions are turned
+// down without looking at a single word.
+class WordSpace {
+public:
+    explicit WordSpace(const QRectF& plot)
+        : plot_(plot), unit_(std::max(1.0, std::ceil(std::max(plot.width(), plot.height()) / 2000))), cell_(2 * unit_),
+          cols_(int(std::ceil(plot.width() / cell_)) + 1), rows_(int(std::ceil(plot.height() / cell_)) + 1),
+          cells_(size_t(cols_) * size_t(rows_), 0), sums_(size_t(cols_ + 1) * size_t(rows_ + 1), 0)
+    {
+    }
+
+    const QRectF& plot() const { return plot_; }
+    // Cells and spiral steps grow on a huge plot, so the grid and the spirals stay a few
+    // megabytes.
+    double unit() const { return unit_; }
+
+    // A word's box that was nowhere free: no box at least as large will be either.
+    bool Hopeless(const QSizeF& size) const
+    {
+        return std::any_of(failed_.begin(), failed_.end(),
+                           [&](const QSizeF& f) { return size.width() >= f.width() && size.height() >= f.height(); });
+    }
+    void Failed(const QSizeF& size) { failed_.push_back(size); }
+
+    // A word centred on a covered point overlaps another whatever its size, so each spiral
+    // skips such points for good: next[i] leads on to a point not yet found covered.
+    struct Spiral {
+        std::vector<QPointF> points;
+        std::vector<int> next;
+    };
+    Spiral& SpiralOf(int pitch)
+    {
+        Spiral& sp = spirals_[pitch];
+        if (sp.next.empty()) {
+            sp.points = SpiralPoints(plot_, pitch * unit_);
+            sp.next.resize(sp.points.size() + 1);
+            std::iota(sp.next.begin(), sp.next.end(), 0);
+        }
+        return sp;
+    }
+
+    bool Covered(const QPointF& pt) const
+    {
+        const int x = int((pt.x() - plot_.left()) / cell_), y = int((pt.y() - plot_.top()) / cell_);
+        return x >= 0 && y >= 0 && x < cols_ && y < rows_ && cells_[size_t(y) * size_t(cols_) + size_t(x)] == kCovered;
+    }
+
+    bool Free(const QRectF& box)
+    {
+        if (box.left() < plot_.left() || box.top() < plot_.top() || box.right() > plot_.right() || box.bottom() > plot_.bottom())
+            return false;
+        const int x0 = int(std::ceil((box.left() - plot_.left()) / cell_)), x1 = int(std::floor((box.right() - plot_.left()) / cell_));
+        const int y0 = int(std::ceil((box.top() - plot_.top()) / cell_)), y1 = int(std::floor((box.bottom() - plot_.top()) / cell_));
+        if (x1 > x0 && y1 > y0 && sum(x0, y0, x1, y1) > 0)
+            return false;
+        const QRectF grown = box.adjusted(-kWordGap, -kWordGap, kWordGap, kWordGap);
+        // Neighbouring spiral positions mostly run into the same word: try that one first.
+        if (lastHit_ < placed_.size() && grown.intersects(placed_[lastHit_]))
+            return false;
+        for (size_t k = 0; k < placed_.size(); ++k)
+            if (grown.intersects(placed_[k])) {
+                lastHit_ = k;
+                return false;
+            }
+        return true;
+    }
+
+    void Take(const QRectF& box)
+    {
+        placed_.push_back(box);
+        const QRectF grown = box.adjusted(-kWordGap, -kWordGap, kWordGap, kWordGap);
+        const double l = (grown.left() - plot_.left()) / cell_, r = (grown.right() - plot_.left()) / cell_;
+        const double t = (grown.top() - plot_.top()) / cell_, b = (grown.bottom() - plot_.top()) / cell_;
+        const int x0 = std::max(0, int(std::floor(l))), x1 = std::min(cols_, int(std::ceil(r)));
+        const int y0 = std::max(0, int(std::floor(t))), y1 = std::min(rows_, int(std::ceil(b)));
+        for (int y = y0; y < y1; ++y)
+            for (int x = x0; x < x1; ++x) {
+                char& c = cells_[size_t(y) * size_t(cols_) + size_t(x)];
+                if (x >= l && x + 1 <= r && y >= t && y + 1 <= b)
+                    c = kCovered;
+                else
+                    c = std::max(c, kTouched);
+            }
+        // Sums change only from the box's first row down.
+        for (int y = y0; y < rows_; ++y)
+            for (int x = 0; x < cols_; ++x)
+                at(x + 1, y + 1) = (cells_[size_t(y) * size_t(cols_) + size_t(x)] != 0) + at(x, y + 1) + at(x + 1, y) - at(x, y);
+    }
+
+private:
+    static constexpr char kTouched = 1, kCovered = 2;
+
+    int& at(int x, int y) { return sums_[size_t(y) * size_t(cols_ + 1) + size_t(x)]; }
+    int sum(int x0, int y0, int x1, int y1)
+    {
+        x0 = std::clamp(x0, 0, cols_), x1 = std::clamp(x1, 0, cols_), y0 = std::clamp(y0, 0, rows_), y1 = std::clamp(y1, 0, rows_);
+        return at(x1, y1) - at(x0, y1) - at(x1, y0) + at(x0, y0);
+    }
+
+    QRectF plot_;
+    double unit_, cell_;
+    int cols_, rows_;
+    std::vector<char> cells_;
+    std::vector<int> sums_;
+    std::vector<QRectF> placed_;
+    std::vector<QSizeF> failed_;
+    size_t lastHit_ = 0;
+    std::map<int, Spiral> spirals_; // by pitch
+};
+
+int NextOpen(std::vector<int>& next, int i)
+{
+    while (next[size_t(i)] != i) {
+        next[size_t(i)] = next[size_t(next[size_t(i)])];
+        i = next[size_t(i)];
+    }
+    return i;
+}
+
+// The first free spot for a word along the spiral; the baseline origin, or nothing.
+std::optional<QPointF> SpiralPlace(WordSpace& space, const QRectF& ink)
+{
+    const QRectF& plot = space.plot();
+    const double w = ink.width(), h = ink.height();
+    if (w > plot.width() || h > plot.height() || space.Hopeless(ink.size()))
+        return std::nullopt;
+    // Finer steps for small words, which fill the gaps the big ones leave.
+    WordSpace::Spiral& sp = space.SpiralOf(std::clamp(int(h / 4 / space.unit()), 2, 7));
+    const QPointF toOrigin(-w / 2 - ink.left(), -h / 2 - ink.top());
+    const int end = int(sp.points.size());
+    for (int i = NextOpen(sp.next, 0); i < end; i = NextOpen(sp.next, i + 1)) {
+        const QPointF& pt = sp.points[size_t(i)];
+        if (space.Covered(pt)) {
+            sp.next[size_t(i)] = i + 1;
+            continue;
+        }
+        const QPointF origin(std::round(pt.x() + toOrigin.x()), std::round(pt.y() + toOrigin.y()));
+        if (space.Free(ink.translated(origin)))
+            return origin;
+    }
+    space.Failed(ink.size());
+    return std::nullopt;
+}
+
+void DrawWordCloud(TChartModel& m, QPainter& p, const QRectF& area, int si)
+{
+    TSeries& s = m.SERIES(si);
+    s.drawn_.assign(size_t(s.Count()), {});
+    for (const WordPlacement& w : ChartRenderer::LayoutWordCloud(s, area)) {
+        p.setFont(w.font);
+        p.setPen(w.colour);
+        p.drawText(w.baseline, w.text);
+        auto& d = s.drawn_[size_t(w.point)];
+        d.valid = true;
+        d.hit = w.box.toAlignedRect();
+        d.pos = w.box.center().toPoint();
+    }
+}
+
 } // namespace
 
 QFont ChartRenderer::MakeFont(const TFont& f, double scale)
@@ -1284,11 +1491,16 @@ void ChartRenderer::Draw(TChartModel& m, QPainter& p, const QRect& rect)
         else
             m.SERIES(i).drawn_.clear();
     }
-    area = DrawLegend(m, p, area, active);
+    // A word cloud is the whole chart: no legend, axes or walls.
+    const bool cloud = !active.empty() && m.SERIES(active.front()).IsWordCloud();
+    if (!cloud)
+        area = DrawLegend(m, p, area, active);
 
     if (!active.empty() && area.width() > 8 && area.height() > 8) {
         const TSeries& first = m.SERIES(active.front());
-        if (first.IsPieKind()) {
+        if (cloud) {
+            DrawWordCloud(m, p, area, active.front());
+        } else if (first.IsPieKind()) {
             DrawPie(m, p, area, active.front());
         } else {
             std::vector<int> bars;
@@ -1305,6 +1517,63 @@ void ChartRenderer::Draw(TChartModel& m, QPainter& p, const QRect& rect)
         p.drawRect(QRectF(rect).adjusted(0.5, 0.5, -0.5, -0.5));
     }
     p.restore();
+}
+
+std::vector<WordPlacement> ChartRenderer::LayoutWordCloud(const TSeries& s, const QRectF& plot)
+{
+    struct Word {
+        int point;
+        QString text;
+        double count;
+    };
+    std::vector<Word> words;
+    for (int i = 0; i < s.Count(); ++i) {
+        const auto& pt = s.Points()[size_t(i)];
+        QString text = pt.Label.simplified(); // one line, whatever the answer held
+        if (Drawable(s, pt) && pt.Y > 0 && !text.isEmpty())
+            words.push_back({i, std::move(text), pt.Y});
+    }
+    std::vector<WordPlacement> out;
+    if (words.empty() || plot.width() < 1 || plot.height() < 1)
+        return out;
+    std::stable_sort(words.begin(), words.end(), [](const Word& a, const Word& b) { return a.count > b.count; });
+    const double cmax = words.front().count, cmin = words.back().count;
+    const double ptMin = std::max(1, std::min(s.WordFontMin, s.WordFontMax));
+    const double ptMax = std::max<double>(ptMin, std::max(s.WordFontMin, s.WordFontMax));
+    const QColor colMin = ToQColor(s.WordColorMin), colMax = ToQColor(s.WordColorMax);
+    const QFont base = MakeFont(s.Marks.Font);
+
+    WordSpace space(plot);
+    // A word is never drawn larger than one with a higher count, even when that one was shrunk.
+    int capPx = std::numeric_limits<int>::max();
+    for (const Word& w : words) {
+        const double t = cmax > cmin ? (w.count - cmin) / (cmax - cmin) : 1.0;
+        const int nominalPx = std::max(1, int(std::lround((ptMin + (ptMax - ptMin) * t) * kPxPerPt)));
+        const int floorPx = std::min(nominalPx, int(std::lround(kWordFloorPt * kPxPerPt)));
+        const auto& pt = s.Points()[size_t(w.point)];
+        for (int px = std::min(nominalPx, capPx); px >= floorPx;) {
+            QFont font = base;
+            font.setPixelSize(px);
+            const QRectF ink = InkBox(w.text, font);
+            if (const auto origin = SpiralPlace(space, ink)) {
+                WordPlacement wp;
+                wp.point = w.point;
+                wp.text = w.text;
+                wp.font = font;
+                wp.colour = pt.Color != clNone ? ToQColor(pt.Color) : Blend(colMin, colMax, t);
+                wp.box = ink.translated(*origin);
+                wp.baseline = *origin;
+                space.Take(wp.box);
+                out.push_back(std::move(wp));
+                capPx = px;
+                break;
+            }
+            if (px == floorPx)
+                break;
+            px = std::max(floorPx, std::min(px - 1, int(px * 0.85)));
+        }
+    }
+    return out;
 }
 
 void ChartRenderer::FreezeValueAxis(TChartModel& m)

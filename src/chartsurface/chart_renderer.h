@@ -8,7 +8,20 @@
 #include <QFont>
 #include <QPainter>
 
+#include <vector>
+
 namespace tallix {
+
+// One word of a word cloud as laid out: the point it shows, its ink box (with a small margin),
+// where its baseline starts, and its font and colour.
+struct WordPlacement {
+    int point = -1;
+    QString text;
+    QFont font;
+    QColor colour;
+    QRectF box;
+    QPointF baseline;
+};
 
 class ChartRenderer {
 public:
@@ -17,6 +30,10 @@ public:
     // The value axis keeps its present bounds until thawed (used while a series grows).
     static void FreezeValueAxis(TChartModel& model);
     static void ThawValueAxis(TChartModel& model);
+
+    // Where a word cloud series puts its words inside plot, largest count first; a word that
+    // cannot be placed even at the smallest size is left out.
+    static std::vector<WordPlacement> LayoutWordCloud(const TSeries& series, const QRectF& plot);
 
     // The font a chart font asks for, in pixels at 96 per inch; DejaVu Sans stands in for
     // a family that is not installed.
