@@ -484,7 +484,7 @@ TEST(ChartRender, DegenerateInputDrawsWithoutFailing)
     const double inf = std::numeric_limits<double>::infinity();
     const std::vector<std::vector<double>> valueSets = {
         {}, {0}, {std::nan(""), 3}, {inf, -inf, 2}, {-5, -2, 4}, {1e12, 1}, {-3, -1}, {0.001, 0.002}};
-    for (int code : {scBar, scHorizBar, scPie, scDonut})
+    for (int code : {scBar, scHorizBar, scPie, scDonut, scWordCloud})
         for (const auto& values : valueSets)
             for (QSize size : {QSize(1, 1), QSize(30, 20), QSize(640, 400)}) {
                 SCOPED_TRACE(std::to_string(code) + " " + std::to_string(values.size()) + " " + std::to_string(size.width()));

@@ -11,9 +11,13 @@ namespace tallix::samples {
 
 inline const QStringList& Families()
 {
-    static const QStringList f = {"bar", "bar3d", "hbar", "hbar3d", "cylinder", "pyramid", "pie", "pie3d", "donut", "donut3d", "multibar"};
+    static const QStringList f = {"bar", "bar3d", "hbar", "hbar3d", "cylinder", "pyramid", "pie", "pie3d", "donut", "donut3d", "multibar", "wordcloud"};
     return f;
 }
+
+// Options a family's sample shows unless told otherwise: a word cloud wants words enough
+// to be a cloud.
+inline int DefaultCount(const QString& family) { return family == "wordcloud" ? 16 : 5; }
 
 inline OleColor OptionColour(int i)
 {
@@ -56,12 +60,32 @@ inline void BuildMulti(TChartModel& m, int n)
         m.Axis.Bottom.Labels.Add(i, QString(QChar('A' + i % 26)));
 }
 
+// Answers to a free-text question, most given first, with accents and other scripts; one
+// word keeps a colour of its own.
+inline void BuildWordCloud(TChartModel& m, int n)
+{
+    struct Answer {
+        const char* word;
+        double count;
+    };
+    static const Answer answers[] = {
+        {"Inspiring", 34}, {"Useful", 27}, {"Long", 21}, {"Fun", 18}, {"Interactive", 15}, {"Clear", 12},
+        {"Café", 10}, {"Überraschend", 9}, {"Engaging", 8}, {"Informative", 7}, {"Naïve", 5}, {"Ελπίδα", 4},
+        {"Отлично", 4}, {"Señal", 3}, {"Tiring", 2}, {"Zoë", 1}, {"Crisp", 1}, {"Warm", 1}, {"Quick", 1}, {"Deep", 1}};
+    TSeries& s = m.SERIES(m.AddSeries(scWordCloud));
+    for (int i = 0; i < std::min(n, 20); ++i)
+        s.Add(answers[i].count, QString::fromUtf8(answers[i].word), i == 3 ? OptionColour(1) : clNone);
+    s.Marks.Font.Bold = true;
+}
+
 // Builds family `name` with n options on chart m.
 inline void Build(TChartModel& m, const QString& name, int n = 5)
 {
     m.RemoveAllSeries();
     if (name == "multibar")
         return BuildMulti(m, n);
+    if (name == "wordcloud")
+        return BuildWordCloud(m, n);
     const bool pie = name.startsWith("pie") || name.startsWith("donut");
     const bool horiz = name.startsWith("hbar");
     const bool view3d = name.endsWith("3d") || name == "cylinder" || name == "pyramid";

@@ -20,7 +20,7 @@ int main(int argc, char** argv)
         return 2;
     }
     tallix::TChartModel m;
-    const int options = args.size() > 2 ? args[2].toInt() : 5;
+    const int options = args.size() > 2 ? args[2].toInt() : tallix::samples::DefaultCount(args[1]);
     if (options < 1 || options > 20) {
         std::fprintf(stderr, "chartsurface_sample: OPTIONS must be 1 to 20, not \"%s\"\n", qPrintable(args[2]));
         return 2;
