@@ -112,6 +112,22 @@ TEST_F(FreeEntryProgram, TheKeyboardFillsATextVoteFromTheRandomAnswers)
         EXPECT_TRUE(QStringList({"alpha", "beta", QString::fromUtf8("été")}).contains(saved[k])) << k;
 }
 
+TEST_F(FreeEntryProgram, AWordCloudLandsOnTheSlideOverItsArea)
+{
+    grandHubRoom();
+    question(freeQuestion("<FractionalJoltTEXT>1</FractionalJoltTEXT><Joltdisplay>2</Joltdisplay>"),
+             {"--word-cloud", "500,150,400,300"});
+    startController("0.2 [1;tea],[2;Tea],[3;coffee],[4;TEA],[5;water],\\r\\n\n");
+    ASSERT_EQ(vote("1.5 key Space\n4 key Space\n"), 0);
+    const QJsonObject chart = shapeNamed(shapes(2), "tallix chart");
+    ASSERT_EQ(chart.value("kind").toString(), "picture");
+    EXPECT_TRUE(chart.value("visible").toBool());
+    EXPECT_NEAR(chart.value("left").toDouble(), 500, 1.5);
+    EXPECT_NEAR(chart.value("top").toDouble(), 150, 1.5);
+    EXPECT_NEAR(chart.value("width").toDouble(), 400, 1.5);
+    EXPECT_NEAR(chart.value("height").toDouble(), 300, 1.5);
+}
+
 TEST_F(FreeEntryProgram, ARangeThatDoesNotReadEndsTheRunWithoutAChart)
 {
     grandHubRoom();

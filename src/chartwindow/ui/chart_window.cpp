@@ -4,6 +4,7 @@
 #include "charts/ui/marks_and_ticks.h"
 #include "charts/ui/multi_chart.h"
 #include "charts/ui/rating_chart.h"
+#include "charts/ui/word_cloud.h"
 #include "chartwindow/ui/frm_tchart.h"
 #include "chartwindow/ui/refresh_tchart.h"
 #include "vote/not_built.h"
@@ -110,6 +111,12 @@ void ChartWindowProcedures::HideDistribution()
 {
     if (form_ && form_->TChart.Exists(0))
         form_->TChart(0).SetVisible(false);
+}
+
+void ChartWindowProcedures::DisplayWordCloud(const QStringList& words, const QList<int>& counts,
+                                             const QRectF& place)
+{
+    ::tallix::DisplayWordCloud(ctx_, LoadForm(), words, counts, place);
 }
 
 std::unique_ptr<ChartWindowProcedures> InstallChartWindow(RunContext& ctx)

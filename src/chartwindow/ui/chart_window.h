@@ -29,6 +29,7 @@ public:
     void ShowRankResultsAll() override;
     void RefreshResult() override;
     void HideDistribution() override;
+    void DisplayWordCloud(const QStringList& words, const QList<int>& counts, const QRectF& place) override;
 
     // The result window, loaded (and placed over the chart area) when it is not.
     FrmTChart& LoadForm();
