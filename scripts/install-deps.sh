@@ -10,8 +10,9 @@ packages=(
   qt6-base-dev qt6-base-dev-tools qt6-svg-dev qt6-qpa-plugins libgl-dev
   libpugixml-dev libzip-dev zlib1g-dev zipcmp libgif-dev
   libgtest-dev libgmock-dev libbenchmark-dev
-  # fonts the charts fall back on, and every locale for separator tests
-  fonts-dejavu-core locales-all
+  # fonts the charts fall back on (typed answers in Chinese, Japanese or Korean included),
+  # and every locale for separator tests
+  fonts-dejavu-core fonts-wqy-microhei locales-all
   # optional checkers, installed so their tests run rather than skip
   libreoffice-impress ghostscript imagemagick libxml2-utils xvfb poppler-utils unzip zip
 )
