@@ -12,7 +12,7 @@
 #include "results/common_io.h"
 #include "vote/run_context.h"
 #include "vote/vote_close.h"
-#include "vote/vote_driver.h"
+#include "vote/graph_runners.h"
 
 #include <QFile>
 #include <QRegularExpression>
@@ -153,17 +153,8 @@ void StartJolttextVote(RunContext& ctx)
         }
         ctx.controllerVoteType = "7";
         send(ctx, "VoteType=" + ctx.controllerVoteType);
-        if (ctx.comms && ctx.comms->StartVote())
-            return;
-        const int answer = ctx.dialogs->MsgBox("Unable to start vote, retry or cancel and check keypad setup",
-                                               MsgBoxStyle::RetryCancel + MsgBoxStyle::Critical, "tallix");
-        if (answer == MsgBoxResult::Retry) {
-            short restart = 0;
-            execVote(ctx, restart);
-        } else {
-            RecordVoteEnd(ctx, "Vote finished");
-            FullShutDown(ctx);
-        }
+        if (!(ctx.comms && ctx.comms->StartVote()))
+            OfferStartRetry(ctx);
     });
 }
 

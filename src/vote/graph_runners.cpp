@@ -57,6 +57,19 @@ void ShowKeyboardCaption(RunContext& ctx)
         ctx.vCast->SetCounterLabel("K'Board", 18);
 }
 
+void OfferStartRetry(RunContext& ctx)
+{
+    const int answer = ctx.dialogs->MsgBox("Unable to start vote, retry or cancel and check keypad setup",
+                                           MsgBoxStyle::RetryCancel + MsgBoxStyle::Critical, "tallix");
+    if (answer == MsgBoxResult::Retry) {
+        short restart = 0;
+        execVote(ctx, restart);
+    } else {
+        RecordVoteEnd(ctx, "Vote finished");
+        FullShutDown(ctx);
+    }
+}
+
 void WaitOnKeyboard(RunContext& ctx)
 {
     ShowKeyboardCaption(ctx);
@@ -77,15 +90,7 @@ void DoCountUpGraphVote(RunContext& ctx)
                 RefreshKeypadsNotVoted(ctx, true);
                 return;   // the vote stays open, driven by events
             }
-            const int answer = ctx.dialogs->MsgBox("Unable to start vote, retry or cancel and check keypad setup",
-                                                   MsgBoxStyle::RetryCancel + MsgBoxStyle::Critical, "tallix");
-            if (answer == MsgBoxResult::Retry) {
-                short restart = 0;
-                execVote(ctx, restart);
-            } else {
-                RecordVoteEnd(ctx, "Vote finished");
-                FullShutDown(ctx);
-            }
+            OfferStartRetry(ctx);
             return;
         }
         WaitOnKeyboard(ctx);

@@ -20,6 +20,8 @@ bool OnKeypadBase(const RunContext& ctx);
 bool StartVoteAtBase(RunContext& ctx);
 // The counter says the keyboard is the base.
 void ShowKeyboardCaption(RunContext& ctx);
+// A vote the base would not open: the operator retries it or ends the run.
+void OfferStartRetry(RunContext& ctx);
 // The keyboard's count-up: the caption, then pumping until the vote ends or is cancelled.
 void WaitOnKeyboard(RunContext& ctx);
 
