@@ -50,6 +50,19 @@ bool filteredRun(const RunContext& ctx)
 
 } // namespace
 
+QString LastFinishedVoteList(const QString& saved)
+{
+    const QStringList lines = splitLines(saved);
+    for (auto it = lines.crbegin(); it != lines.crend(); ++it) {
+        if (*it == QLatin1String("99"))
+            continue;   // a marker of older writers, never a vote
+        const QString list = unquoted(it->split(u',').value(2));
+        if (!list.isEmpty())
+            return list;
+    }
+    return {};
+}
+
 bool LoadVotes(RunContext& ctx, const QString& reference, short item)
 {
     const qint64 t0 = ctx.clock->perfCounter();

@@ -12,5 +12,8 @@ struct RunContext;
 // True when a line was loaded into `votes`. A slide that is neither an index nor an
 // id raises to the caller's report.
 bool LoadVotes(RunContext& ctx, const QString& reference, short item);
+// The vote list (third field) of the last line of a `TLXVOTES` value that has one: the
+// slide's current result. Empty when no line has finished.
+QString LastFinishedVoteList(const QString& saved);
 
 } // namespace tallix

@@ -13,6 +13,7 @@
 #include "livewindow/keypads_not_voted.h"
 #include "question/slide_objects.h"
 #include "results/common_io.h"
+#include "results/load_votes.h"
 #include "vote/forms.h"
 #include "vote/graph_runners.h"
 #include "charts/rank_markers.h"
@@ -79,12 +80,13 @@ bool groupPath(RunContext& ctx)
         FullShutDown(ctx);
         return true;
     }
-    const QStringList fields = saved.split(',');
-    if (fields.size() < 3) {
+    // The group slide's current result: its last finished line.
+    const QString list = LastFinishedVoteList(saved);
+    if (list.isEmpty()) {
         FullShutDown(ctx);
         return true;
     }
-    const QStringList byKeypad = fields[2].split(';');
+    const QStringList byKeypad = list.split(';');
     ctx.groupFilter.redim(byKeypad.size() - 1);
     bool any = false;
     for (int i = 0; i < byKeypad.size(); ++i) {
@@ -102,6 +104,13 @@ bool groupPath(RunContext& ctx)
         ScalepadSetup(ctx);
     if (ctx.PriorMultiVote == 4)
         ctx.controllerVoteType = "6";
+    // The result comes as if the operator had ended a vote with Esc. Making charts loads no
+    // votes-cast window of its own, so one is loaded, unseen, to take the key.
+    if (!ctx.vCast && ctx.forms) {
+        ctx.forms->Load(FormName::vCast);
+        if (ctx.vCast)
+            ctx.vCast->SetOpacity(0);
+    }
     if (ctx.vCast)
         ctx.vCast->KeyInput(27);
     return true;

@@ -519,3 +519,21 @@ TEST_F(DeckToolTest, QuestionDeckOpensInLibreOffice)
 }
 
 } // namespace
+
+namespace {
+
+TEST_F(DeckToolTest, DefaultGroupNamesTheSlideByItsIdentity)
+{
+    makeQuestionDeck();
+    ASSERT_EQ(run({"default-group", deck, "2"}), 0) << err.toStdString();
+    const QJsonObject tags = json({"tags", deck}).object();
+    const QStringList parts = tags.value("TLX_DEFAULTGROUP").toString().split("\r\n");
+    ASSERT_EQ(parts.size(), 2);
+    EXPECT_EQ(parts[1], "1");
+    PptxHost host(deck);
+    EXPECT_EQ(host.ActivePresentation()->GetSlides()->FindBySlideID(parts[0].toLong())->SlideIndex(), 2);
+    for (const QStringList& bad : {QStringList{"default-group", deck, "9"}, QStringList{"default-group", deck}})
+        EXPECT_EQ(run(bad), 2) << bad.join(' ').toStdString();
+}
+
+} // namespace

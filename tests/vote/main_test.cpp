@@ -460,3 +460,74 @@ INSTANTIATE_TEST_SUITE_P(
                       DispatchCase{15, 0, "nothing"}));
 
 } // namespace
+
+namespace {
+
+// The group action: slide 3's result for the keypads that gave an answer on slide 2.
+class GroupPath : public StartUp {
+protected:
+    GroupPath()
+    {
+        config.showSlide = 3;
+        ppt = std::make_unique<host::MemoryHost>(3, config);
+        ctx.oPPT = ppt.get();
+        ctx.oPres = ppt->ActivePresentation();
+        slide(3)->GetTags()->Add("tlxVote", kFourOptions);
+    }
+    void defaultGroup(int n) { ctx.oPres->GetTags()->Add("tlx_DefaultGroup", QString::number(slide(n)->SlideID()) + "\r\n1"); }
+    QString shown() const { return run.t.dialogs.shown.empty() ? QString() : run.t.dialogs.shown.back().text; }
+    std::vector<short> filter() const { return {ctx.groupFilter.begin(), ctx.groupFilter.end()}; }
+};
+
+TEST_F(GroupPath, RefusesWhatCannotBeAGroupAndSaysWhy)
+{
+    struct Case {
+        const char* what;
+        int groupSlide;        // 0: none set
+        const char* saved;     // TLXVOTES of the group slide
+        const char* message;   // empty: ends without one
+    };
+    const Case cases[] = {
+        {"no default group", 0, "", "No default group defined"},
+        {"a group slide after the question", 3, "", "Default group slide must be before the current slide"},
+        {"no votes on it", 2, "", "No votes on the default group slide"},
+        {"no finished line", 2, "99\r\n01 Nov 2026,10:00:00,\r\n", ""},
+    };
+    for (const Case& c : cases) {
+        run.t.dialogs.shown.clear();
+        exits = 0;
+        ctx.oPres->GetTags()->Delete("tlx_DefaultGroup");
+        if (c.groupSlide)
+            defaultGroup(c.groupSlide);
+        slide(2)->GetTags()->Add("TLXVOTES", QString::fromLatin1(c.saved));
+        launch("TLXGROUP,3,1");
+        EXPECT_EQ(exits, 1) << c.what;
+        EXPECT_EQ(shown(), QString::fromLatin1(c.message)) << c.what;
+        EXPECT_FALSE(forms.link.sent.contains("StartVote")) << c.what;
+    }
+}
+
+TEST_F(GroupPath, KeepsTheKeypadsThatGaveTheAnswerInTheLastFinishedLine)
+{
+    defaultGroup(2);
+    // An older line, the current one, and a marker of an older writer after it.
+    slide(2)->GetTags()->Add("TLXVOTES", "01 Nov 2026,10:00:00,2;2;2;2;\r\n02 Nov 2026,10:00:00,1;2;-;1;\r\n99\r\n");
+    struct Case {
+        const char* launch;
+        std::vector<short> filter;
+    };
+    const Case cases[] = {
+        {"TLXGROUP,3,1", {1, 0, 0, 1, 0}},
+        {"TLXGROUP,3,2", {0, 1, 0, 0, 0}},
+        {"TLXGROUP,3,4", {0}},   // nobody chose it: no filter, everyone counts
+    };
+    for (const Case& c : cases) {
+        launch(c.launch);
+        EXPECT_EQ(filter(), c.filter) << c.launch;
+        EXPECT_FALSE(forms.link.sent.contains("StartVote")) << c.launch;
+    }
+    EXPECT_EQ(slide(2)->GetTags()->Item("TLXVOTES"),
+              "01 Nov 2026,10:00:00,2;2;2;2;\r\n02 Nov 2026,10:00:00,1;2;-;1;\r\n99\r\n");
+}
+
+} // namespace

@@ -41,6 +41,7 @@ const char* const kMainHelp =
     "  tags DECK.pptx [SLIDE] [--set NAME=VALUE] [--delete NAME] [--json]\n"
     "  shapes DECK.pptx SLIDE [--json]\n"
     "  votes DECK.pptx SLIDE [--json]\n"
+    "  default-group DECK.pptx SLIDE\n"
     "  export-csv DECK.pptx OUT.csv\n"
     "Each command takes --help.\n";
 
@@ -73,6 +74,9 @@ const QMap<QString, QString> kHelp{
                "A group's members follow it, indented two blanks a level; with --json a group has\n"
                "a \"members\" array of the same objects. A table shows its cells, as\n"
                "\"cells: a | b ; c | d\" or, with --json, a \"cells\" array of rows of cell texts.\n"},
+    {"default-group", "usage: tallix-deck default-group DECK.pptx SLIDE\n"
+                      "Makes SLIDE the default group slide: a group launch (TLXGROUP,SLIDE,ANSWER) counts only\n"
+                      "the keypads that gave ANSWER on it.\n"},
     {"votes", "usage: tallix-deck votes DECK.pptx SLIDE [--json]\n"
               "Lists the saved vote lines of a slide, and the answer of each keypad in the last one.\n"},
     {"export-csv", "usage: tallix-deck export-csv DECK.pptx OUT.csv\n"
@@ -540,6 +544,21 @@ QString csvField(const QString& s)
     return '"' + QString(s).replace("\"", "\"\"") + '"';
 }
 
+int cmdDefaultGroup(const QStringList& argv, QTextStream& out)
+{
+    const Args a = parse(argv, {}, {});
+    need(a, 2, "default-group");
+    PptxHost host(a.positional[0]);
+    Presentation& pres = *host.ActivePresentation();
+    Slide& slide = *pres.GetSlides()->Item(slideNumber(a.positional[1], pres));
+    // The slide's identity and the answer that makes a keypad one of the group's.
+    pres.GetTags()->Add("tlx_DefaultGroup", QString::number(slide.SlideID()) + "\r\n1");
+    if (!host.Commit())
+        throw UsageError{QStringLiteral("%1 is locked by another process; nothing written").arg(a.positional[0])};
+    out << "slide " << slide.SlideIndex() << " of " << a.positional[0] << " is the default group slide\n";
+    return 0;
+}
+
 int cmdExportCsv(const QStringList& argv, QTextStream& out)
 {
     const Args a = parse(argv, {}, {});
@@ -633,6 +652,7 @@ int RunDeckTool(const QStringList& args, QTextStream& out, QTextStream& err)
         if (command == "tags") return cmdTags(rest, out);
         if (command == "shapes") return cmdShapes(rest, out);
         if (command == "votes") return cmdVotes(rest, out);
+        if (command == "default-group") return cmdDefaultGroup(rest, out);
         return cmdExportCsv(rest, out);
     } catch (const UsageError& e) {
         err << "tallix-deck " << command << ": " << e.text << '\n';
