@@ -178,24 +178,24 @@ TEST(ChartTitle, CreateChartTitleNamesTheFilterValues)
 
 TEST(ChartTitle, SetChartTitleTakesTheFontOnlyFromSevenFields)
 {
-    for (const char* spec : {"18|Liberation Serif|True|-1|0|255|1", "18|Liberation Serif|True|-1|0|255"}) {
+    for (const char* titleSpec : {"18|Liberation Serif|True|-1|0|255|1", "18|Liberation Serif|True|-1|0|255"}) {
         ChartRun r;
         ::tallix::TChart c;
         c.Header.Text = QStringList{QStringLiteral("Question"), QStringLiteral("line 2")};
         c.Header.Frame.Visible = true;
         const TFont before = c.Header.Font;
-        SetChartTitle(r.ctx, c, QLatin1String(spec), QStringLiteral("Staff"));
+        SetChartTitle(r.ctx, c, QLatin1String(titleSpec), QStringLiteral("Staff"));
         EXPECT_EQ(c.Header.Text, (QStringList{QStringLiteral("Staff"), QStringLiteral("line 2")}));
         EXPECT_FALSE(c.Header.Frame.Visible);
         const TFont& f = c.Header.Font;
-        const bool seven = QLatin1String(spec).count(QLatin1Char('|')) == 6;
-        EXPECT_EQ(f.Size, seven ? 18 : before.Size) << spec;
-        EXPECT_EQ(f.Name, seven ? QStringLiteral("Liberation Serif") : before.Name) << spec;
+        const bool seven = QLatin1String(titleSpec).count(QLatin1Char('|')) == 6;
+        EXPECT_EQ(f.Size, seven ? 18 : before.Size) << titleSpec;
+        EXPECT_EQ(f.Name, seven ? QStringLiteral("Liberation Serif") : before.Name) << titleSpec;
         EXPECT_EQ(std::tie(f.Bold, f.Italic, f.Underline, f.Shadow.Visible),
                   seven ? std::make_tuple(true, true, false, true)
                         : std::make_tuple(before.Bold, before.Italic, before.Underline, before.Shadow.Visible));
-        EXPECT_EQ(f.Color, seven ? OleColor(255) : before.Color) << spec;
-        SetChartTitle(r.ctx, c, QLatin1String(spec), QStringLiteral("NULL"));
+        EXPECT_EQ(f.Color, seven ? OleColor(255) : before.Color) << titleSpec;
+        SetChartTitle(r.ctx, c, QLatin1String(titleSpec), QStringLiteral("NULL"));
         EXPECT_EQ(c.Header.Text.first(), QStringLiteral("Staff"));
     }
 }
