@@ -236,6 +236,8 @@ void Numeric_ResultsDisplay(RunContext& ctx)
             stop(ctx, QStringLiteral("The display settings can not be found, please run tallix SlideEditor"));
             return;
         }
+        // The table keeps the box the slide gave it, however many rows it ends with.
+        const double height = shape->Height();
         // Enough template rows for every value, each written from a copy of the first.
         int templates = 0;
         while (first + templates <= table->RowCount() &&
@@ -263,6 +265,7 @@ void Numeric_ResultsDisplay(RunContext& ctx)
                     table->DeleteRow(r);
                     break;
                 }
+        shape->SetHeight(height);
     });
     WriteDebugLog(ctx, float(CounterSeconds(ctx, t0, ctx.clock->perfCounter())), QString(), "scalpad_votes",
                   "Numeric_ResultsDisplay");

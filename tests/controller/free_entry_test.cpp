@@ -314,6 +314,8 @@ TEST_F(NumbersTable, HoldsEachValueInOrderFromItsTemplateRow)
         ctx.participants(3).name = "Cy";
         Numeric_ResultsDisplay(ctx);
         EXPECT_EQ(column(1), c.values) << c.templates;
+        EXPECT_NEAR(ctx.oPres->GetSlides()->Item(1)->GetShapes()->Item("tlx_answers")->Height(), 100, 0.5)
+            << "the table keeps its box";
         EXPECT_EQ(column(2), c.names_) << c.templates;
     }
 }
