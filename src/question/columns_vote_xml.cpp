@@ -6,6 +6,7 @@
 #include "foundation/numbers.h"
 #include "foundation/host.h"
 #include "question/common_xml.h"
+#include "question/settings_document.h"
 #include "question/slide_objects.h"
 #include "vote/run_context.h"
 
@@ -18,6 +19,9 @@ namespace tallix {
 namespace {
 
 const char* const kModule = "Common_ColumnsVoteXML";
+// The second reader of the document (a reshow chart's question) keeps a few values the
+// first one changes; it is on only for the length of that read.
+bool chartReader = false;
 using KeyHandler = std::function<void(const QString& key, const QString& value)>;
 
 // One section in the reader's common form: fetch, test, split into "key|value" lines.
@@ -214,7 +218,7 @@ void readQuizInfo(RunContext& ctx)
     readSection(ctx, "quiz_info", [&](const QString& k, const QString& v) {
         if (k == "CorrectAnswerStyle") {
             ctx.CorrectAnswerStyle = CInt(v);
-            if (ctx.CorrectAnswerStyle == 0)
+            if (ctx.CorrectAnswerStyle == 0 && !chartReader)
                 ctx.CorrectAnswerStyle = 1;
         } else if (k == "haveTick") {
             ctx.haveTick = CInt(v);
@@ -269,8 +273,9 @@ void readGraphInfo(RunContext& ctx)
         else if (k == "PPTColourScheme")
             ctx.PPTColourScheme = CBool(v);
     });
-    // Charts of a live vote are never sorted.
-    ctx.BarSortOrder = 0;
+    // Charts of a live vote are never sorted; a reshown chart keeps its question's order.
+    if (!chartReader)
+        ctx.BarSortOrder = 0;
 }
 
 void readGraphOutline(RunContext& ctx)
@@ -414,6 +419,11 @@ void readRankVote(RunContext& ctx)
             const QChar letter = k[12];
             // Items are numbered from 1; 0 and items beyond the count are not this reader's.
             const int n = int(tlxVal(k.mid(13, 3)));
+            if (n >= 1 && chartReader && n > ctx.NumberRankVotes) {
+                // A reshown rating chart honours every item its document places.
+                ctx.NumberRankVotes = short(n);
+                ctx.RankPosition.redimPreserve(n - 1);
+            }
             if (n < 1 || n > ctx.NumberRankVotes || n - 1 > ctx.RankPosition.ubound())
                 return;
             RankPositionRecord& r = ctx.RankPosition(n - 1);
@@ -525,6 +535,66 @@ bool SectionListingFails(const QString& section, const QString& listing)
             return true;
     }
     return false;
+}
+
+void LoadChartXML(RunContext& ctx, long slideID)
+{
+    const char* P = "LoadChartXML";
+    Guarded(ctx, "Reshow", P, true, [&] {
+        host::Slide* slide = ctx.oPres->GetSlides()->FindBySlideID(slideID);
+        const QString xml = slide->GetTags()->Item(QStringLiteral("TLXVOTE"));
+        if (xml.isEmpty())
+            return;
+        settingsDocOf(ctx).loadXML(xml);
+        chartReader = true;
+        struct Off {
+            ~Off() { chartReader = false; }
+        } off;
+        auto timed = [&](const QString& text, const std::function<void()>& read) {
+            const qint64 t0 = ctx.clock->perfCounter();
+            read();
+            WriteDebugLog(ctx, float(CounterSeconds(ctx, t0, ctx.clock->perfCounter())), "LoadChartXML: " + text + ": ",
+                          "Reshow", P);
+        };
+        // Only what draws the chart: a count-down's time, the window and the areas stay the reshow's.
+        readSection(ctx, "vote_info", [&](const QString& k, const QString& v) {
+            if (k == "options")
+                ctx.optionCount = CInt(v);
+            else if (k == "Abstain")
+                ctx.allowAbstain = CBool(v);
+            else if (k == "startFrom")
+                ctx.startFrom = CInt(v);
+            else if (k == "showAsPercentOrNumber")
+                ctx.showAsPercentOrNumber = CInt(v);
+            else if (k == "showAsBothStackedOrSide")
+                ctx.showAsBothStackedOrSide = CInt(v);
+            else if (k == "PercentDP")
+                ctx.PercentDP = std::trunc(tlxVal(v));
+            else if (k == "vType")
+                ctx.vType = CInt(v);
+            else if (k == "ParticipantWeighting")
+                ctx.ParticipantWeighting = CBool(v);
+        });
+        readGroupInfo(ctx);
+        timed("<quiz_info>", [&] { readQuizInfo(ctx); });
+        timed("<graph_info>", [&] {
+            readGraphInfo(ctx);
+            readGraphOutline(ctx);
+            readNumberedList(ctx, "BarColours", "Bar", ctx.optionColours, [](const QString& v) { return CLng(v); });
+            readNumberedList(ctx, "BarSpacing", "Spacing", ctx.BarSpacing, [](const QString& v) { return tlxVal(v); });
+            readChartDimensions(ctx);
+            readFont(ctx);
+        });
+        timed("<rank_vote>", [&] { readRankVote(ctx); });
+        timed("<text_vote>", [&] { readTextVote(ctx); });
+        timed("<series_vote>", [&] { readSeriesVote(ctx); });
+    });
+}
+
+void ReadSettingsSection(RunContext& ctx, const QString& section,
+                         const std::function<void(const QString&, const QString&)>& handle)
+{
+    readSection(ctx, section, handle);
 }
 
 void SetVarsFromXML(RunContext& ctx)

@@ -3,11 +3,20 @@
 
 #include <QString>
 
+#include <functional>
+
 namespace tallix {
 
 struct RunContext;
 
 void SetVarsFromXML(RunContext& ctx);
+// The second reader: a reshow chart's question, from the slide of that identity. It keeps a
+// count-down's time, the votes-cast window, the areas and a live vote's rules its own.
+void LoadChartXML(RunContext& ctx, long slideID);
+// One section of the loaded document, key by key; a section failing the reader's test is
+// skipped whole.
+void ReadSettingsSection(RunContext& ctx, const QString& section,
+                         const std::function<void(const QString& key, const QString& value)>& handle);
 
 // A section's listing failed the reader's test and the section is skipped. `vote_info`
 // fails only on the store's own "Err - " strings; every other section also fails when

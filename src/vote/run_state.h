@@ -232,6 +232,19 @@ struct RunState {
     short FontSize = 0;
     VbArray<VArea> vArea;
 
+    // A reshow: the charts' filters, how their parts join, the question list it was made
+    // from, and the slides' list the references are found in again.
+    VbArray<QString> reshowFilter;
+    short rshFilterType = 0;          // 1: a keypad meeting any part counts; else all parts
+    bool filterStarted = false;
+    bool reshowOnOneChart = false;
+    bool ShowLabels = false;
+    QString questionReferences;
+    QString reshowTitle;
+    QStringList slideList;
+    // The title of the chart being drawn, for its header; empty for none.
+    QString chartTitle;
+
     // Rating, text and series settings
     float BarVerticalSpacing = 0;
     qint32 BarColour = 0;

@@ -21,6 +21,7 @@
 #include "vote/forms.h"
 #include "vote/instances.h"
 #include "vote/not_built.h"
+#include "reshow/reshow_display.h"
 #include "vote/run_context.h"
 #include "vote/series_runners.h"
 #include "vote/vote_close.h"
@@ -316,7 +317,8 @@ void Main(RunContext& ctx)
         }
         if (ctx.arg1 == "TLXRESHOW") {
             log(ctx, "Reshow started");
-            NotBuiltYet(ctx, "Reshow", "ReshowDisplay");
+            DisplayReshow(ctx);
+            // A reshow's result is its slide with every chart on it: nothing waits.
             FullShutDown(ctx);
             return true;
         }

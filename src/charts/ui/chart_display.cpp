@@ -2,6 +2,7 @@
 
 #include "charts/chart_colours.h"
 #include "charts/collation.h"
+#include "charts/ui/marks_and_ticks.h"
 #include "foundation/format_float.h"
 #include "chartwindow/ui/frm_tchart.h"
 #include "chartwindow/ui/refresh_tchart.h"
@@ -713,6 +714,13 @@ void DisplayChart(RunContext& ctx, FrmTChart& form, DisplayChartArgs& a)
             chart.Repaint();
         }
     });
+
+    // A reshown chart names its question and the answers its filter keeps.
+    if (!ctx.chartTitle.isEmpty())
+        Step(ctx, P, [&] {
+            form.TChart(0).Header.Visible = true;
+            SetChartTitle(ctx, form.TChart(0), ctx.reshowTitle, ctx.chartTitle);
+        });
 
     if (a.rebuild == 0 && a.withMultiChart) {
         Step(ctx, P, [&] {

@@ -3,6 +3,8 @@
 // series kept apart, the correct answer singled out by a tick or a colour, and the title
 // with the filter a reshow applied.
 
+#include "charts/chart_titles.h"
+
 #include <QString>
 #include <QtGlobal>
 
@@ -20,9 +22,6 @@ void DisplayTick(RunContext& ctx, FrmTChart& form);
 // TChart(0), once the chart is on view. One series has no pairs: it is only repainted.
 void CheckOverlapMarks(RunContext& ctx, FrmTChart& form, short& pointCount);
 
-// "Title: A OR B" from a reshow filter such as "^Group:A^Group:B"; `orJoin` is the filter's
-// join flag. A filter text shorter than two characters leaves the base title.
-QString CreateChartTitle(const QString& baseTitle, const QString& filterText, bool orJoin);
 
 // The header of `chart`: `filterTitle` as its first line (unless "NULL"), no frame, and with
 // seven or more "|" fields in `titleSpec` its font: size|name|bold|italic|underline|colour|shadow.
