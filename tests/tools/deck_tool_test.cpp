@@ -20,6 +20,7 @@
 #include <QUrl>
 #include <functional>
 #include <gtest/gtest.h>
+#include <tuple>
 
 using namespace tallix;
 using namespace tallix::host;
@@ -31,6 +32,14 @@ QString asStored(const QString& xml)
     tallix::SettingsDocument d;
     d.loadXML(xml);
     return d.xml();
+}
+
+pugi::xml_document settingsOf(const QString& xml)
+{
+    pugi::xml_document d;
+    const QByteArray bytes = xml.toUtf8();
+    EXPECT_TRUE(d.load_buffer(bytes.constData(), size_t(bytes.size()))) << xml.toStdString();
+    return d;
 }
 } // namespace
 
@@ -99,7 +108,13 @@ TEST_F(DeckToolTest, QuestionMakesTheAgreedShapesAndTag)
               QRectF(500, 150, 400, 300));
     EXPECT_TRUE(sample["visible"].toBool());
 
-    EXPECT_EQ(json({"tags", deck, "2"}).object().value("TLXVOTE").toString(), asStored(kSettings));
+    // The settings as given, and the identity the question was given.
+    const QString stored = json({"tags", deck, "2"}).object().value("TLXVOTE").toString();
+    const QString qid = settingsOf(stored).select_node("/tlxfile/file_info/QID").node().child_value();
+    EXPECT_FALSE(qid.isEmpty());
+    QString withIdentity = kSettings;
+    withIdentity.replace("</tlxfile>", "<file_info><QID>" + qid + "</QID></file_info></tlxfile>");
+    EXPECT_EQ(stored, asStored(withIdentity));
     EXPECT_TRUE(json({"tags", deck, "1"}).object().isEmpty());
 
     // Made twice, the slide still carries one of each and one note.
@@ -432,6 +447,10 @@ TEST_F(DeckToolTest, BadArgumentsAndBadDecksGiveOneMessage)
         {{"question", deck, "1", "--settings", settings, "--word-cloud", "1,2,0,4"}, 2, "--word-cloud needs L,T,W,H"},
         {{"question", deck, "1", "--settings", settings, "--word-cloud", "1,2,3,-4"}, 2, "--word-cloud needs L,T,W,H"},
         {{"question", deck, "1", "--settings", settings, "--word-cloud", "a,b,c,d"}, 2, "--word-cloud needs L,T,W,H"},
+        {{"question", deck, "1", "--settings", settings, "--qid", " "}, 2, "--qid needs an identity"},
+        {{"question", deck, "1", "--settings", settings, "--qid", "a|b"}, 2, "--qid needs an identity"},
+        {{"question", deck, "1", "--settings", settings, "--groups", "A||B"}, 2, "--groups needs labels"},
+        {{"question", deck, "1", "--settings", settings, "--groups", "A^B"}, 2, "--groups needs labels"},
         {{"shapes", deck, "1", "--bogus"}, 2, "unknown option"},
         {{"shapes", deck}, 2, "wrong arguments"},
         {{"tags", deck, "--set", "novalue"}, 2, "NAME=VALUE"},
@@ -534,6 +553,59 @@ TEST_F(DeckToolTest, DefaultGroupNamesTheSlideByItsIdentity)
     EXPECT_EQ(host.ActivePresentation()->GetSlides()->FindBySlideID(parts[0].toLong())->SlideIndex(), 2);
     for (const QStringList& bad : {QStringList{"default-group", deck, "9"}, QStringList{"default-group", deck}})
         EXPECT_EQ(run(bad), 2) << bad.join(' ').toStdString();
+}
+
+} // namespace
+
+namespace {
+
+// The texts of a settings element's children, in document order, as "name=text".
+QStringList childTexts(const pugi::xml_node& parent)
+{
+    QStringList out;
+    for (pugi::xml_node c = parent.first_child(); c; c = c.next_sibling())
+        out << QString::fromUtf8(c.name()) + "=" + QString::fromUtf8(c.child_value());
+    return out;
+}
+
+TEST_F(DeckToolTest, QuestionKeepsItsIdentityAndTakesGroupLabels)
+{
+    ASSERT_EQ(run({"new", deck, "--slides", "2"}), 0);
+    const QString held = dir.filePath("held.xml");
+    // Readers take the first QID in the document, wherever it is.
+    writeFile(held, "<tlxfile><General><QID>first</QID></General><group_info><GroupOption001>Old</GroupOption001>"
+                    "</group_info><file_info><QID>second</QID></file_info></tlxfile>");
+    const auto stored = [&](const QString& slide) {
+        return settingsOf(json({"tags", deck, slide}).object().value("TLXVOTE").toString());
+    };
+    QString fresh;
+    // One after the other on slide 1: file, options, the QID (empty: the first fresh one)
+    // and the one group_info's children (none: no group_info).
+    const QList<std::tuple<QString, QStringList, QString, QStringList>> cases{
+        {settings, {}, "", {}},
+        {settings, {"--groups", "Staff| Student "}, "", {"GroupOption001=Staff", "GroupOption002=Student"}},
+        {held, {}, "first", {"GroupOption001=Old"}},
+        {held, {"--qid", " given ", "--groups", "A|B|C"}, "given", {"GroupOption001=A", "GroupOption002=B", "GroupOption003=C"}},
+        {settings, {}, "given", {}}, // kept from the slide
+    };
+    for (const auto& [file, options, qid, groups] : cases) {
+        SCOPED_TRACE(options.join(' ').toStdString() + " from " + file.toStdString());
+        ASSERT_EQ(run(QStringList{"question", deck, "1", "--settings", file} + options), 0) << err.toStdString();
+        const pugi::xml_document doc = stored("1");
+        const pugi::xpath_node_set qids = doc.select_nodes("//QID");
+        ASSERT_EQ(qids.size(), 1u);
+        EXPECT_STREQ(qids.first().parent().name(), "file_info");
+        if (fresh.isEmpty())
+            fresh = qids.first().node().child_value();
+        EXPECT_EQ(QString(qids.first().node().child_value()), qid.isEmpty() ? fresh : qid);
+        const pugi::xpath_node_set infos = doc.select_nodes("//group_info");
+        ASSERT_EQ(infos.size(), groups.isEmpty() ? 0u : 1u);
+        if (!groups.isEmpty()) {
+            EXPECT_EQ(childTexts(infos.first().node()), groups);
+        }
+    }
+    ASSERT_EQ(run({"question", deck, "2", "--settings", settings}), 0);
+    EXPECT_NE(QString(stored("2").select_node("//QID").node().child_value()), fresh);
 }
 
 } // namespace

@@ -14,6 +14,8 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QRegularExpression>
+#include <QUuid>
+#include <cstring>
 #include <functional>
 #include <optional>
 #include <pugixml.hpp>
@@ -36,7 +38,7 @@ const char* const kMainHelp =
     "  new OUT.pptx --slides N          a blank 16:9 deck of N slides\n"
     "  question DECK.pptx SLIDE --settings FILE.xml [--answers \"A|B|C\"] [--title TEXT]\n"
     "           [--chart-area L,T,W,H] [--objects] [--rank-markers N] [--numbers-table N]\n"
-    "           [--answers-backup] [--word-cloud L,T,W,H]\n"
+    "           [--answers-backup] [--word-cloud L,T,W,H] [--qid ID] [--groups \"A|B\"]\n"
     "                                   make a slide a question slide\n"
     "  tags DECK.pptx [SLIDE] [--set NAME=VALUE] [--delete NAME] [--json]\n"
     "  shapes DECK.pptx SLIDE [--json]\n"
@@ -51,7 +53,7 @@ const QMap<QString, QString> kHelp{
     {"question", "usage: tallix-deck question DECK.pptx SLIDE --settings FILE.xml [--answers \"A|B|C\"]\n"
                  "                            [--title TEXT] [--chart-area L,T,W,H] [--objects]\n"
                  "                            [--rank-markers N] [--numbers-table N] [--answers-backup]\n"
-                 "                            [--word-cloud L,T,W,H]\n"
+                 "                            [--word-cloud L,T,W,H] [--qid ID] [--groups \"A|B\"]\n"
                  "Stores the settings document in the slide's tag tlxVote, marks the notes, and\n"
                  "places the shapes tlx_question, tlx_answers (one paragraph per answer) and\n"
                  "\"tallix chart sample\" (at the chart area, in points).\n"
@@ -66,6 +68,9 @@ const QMap<QString, QString> kHelp{
                  "                   into a live tlx_answers\n"
                  "--word-cloud L,T,W,H  adds a hidden rectangle tlx_answers_word_cloud there (points),\n"
                  "                   where a word cloud result is drawn\n"
+                 "--qid ID           the question's identity, kept in the settings' file_info; without\n"
+                 "                   it the settings file's QID, else the slide's, else a new one\n"
+                 "--groups \"A|B\"    the labels a reshow can filter by, as group_info (replacing any)\n"
                  "Each option replaces the shapes it made before.\n"},
     {"tags", "usage: tallix-deck tags DECK.pptx [SLIDE] [--set NAME=VALUE]... [--delete NAME]... [--json]\n"
              "Changes and lists the tags of the presentation, or of slide SLIDE.\n"},
@@ -157,6 +162,98 @@ QString settingsText(const pugi::xml_document& doc, const char* name)
 {
     pugi::xml_node n = doc.find_node([&](pugi::xml_node c) { return QByteArray(c.name()).compare(name, Qt::CaseInsensitive) == 0; });
     return QString::fromUtf8(n.child_value()).trimmed();
+}
+
+// Every element of that name, without case, under a node; not those inside one found, so
+// that removing them all never removes one twice.
+void collectElements(pugi::xml_node node, const char* name, std::vector<pugi::xml_node>& found)
+{
+    for (pugi::xml_node c = node.first_child(); c; c = c.next_sibling()) {
+        if (c.type() != pugi::node_element)
+            continue;
+        if (QByteArray(c.name()).compare(name, Qt::CaseInsensitive) == 0)
+            found.push_back(c);
+        else
+            collectElements(c, name, found);
+    }
+}
+
+// The first section of that name anywhere, as the settings readers find it; made at the
+// end of the document when there is none.
+pugi::xml_node section(pugi::xml_document& doc, const char* name)
+{
+    pugi::xml_node s = doc.find_node([&](pugi::xml_node c) { return c.type() == pugi::node_element && !strcmp(c.name(), name); });
+    return s ? s : doc.document_element().append_child(name);
+}
+
+pugi::xml_node addText(pugi::xml_node parent, const QString& name, const QString& text)
+{
+    pugi::xml_node e = parent.append_child(S(name).c_str());
+    if (!text.isEmpty())
+        e.append_child(pugi::node_pcdata).set_value(S(text).c_str());
+    return e;
+}
+
+QString threeDigits(long n)
+{
+    return QStringLiteral("%1").arg(n, 3, 10, QLatin1Char('0'));
+}
+
+// The identity goes into file_info; a QID left anywhere else would be found first by a
+// reader that looks for the first one, so it goes.
+void setQuestionIdentity(pugi::xml_document& doc, const QString& qid)
+{
+    pugi::xml_node info = section(doc, "file_info");
+    pugi::xml_node keep = info.child("QID");
+    std::vector<pugi::xml_node> all;
+    collectElements(doc, "QID", all);
+    for (pugi::xml_node n : all)
+        if (n != keep)
+            n.parent().remove_child(n);
+    if (!keep)
+        keep = info.append_child("QID");
+    while (keep.first_child())
+        keep.remove_child(keep.first_child());
+    keep.append_child(pugi::node_pcdata).set_value(S(qid).c_str());
+}
+
+// One group_info in the place of the first one there was.
+void setGroupLabels(pugi::xml_document& doc, const QStringList& labels)
+{
+    std::vector<pugi::xml_node> old;
+    collectElements(doc, "group_info", old);
+    pugi::xml_node info = old.empty() ? doc.document_element().append_child("group_info")
+                                      : old.front().parent().insert_child_before("group_info", old.front());
+    for (pugi::xml_node n : old)
+        n.parent().remove_child(n);
+    for (int i = 0; i < labels.size(); ++i)
+        addText(info, "GroupOption" + threeDigits(i + 1), labels[i]);
+}
+
+// '|' and '^' separate the fields and parts of a reshow's references, so neither may be
+// part of what they separate.
+const QRegularExpression kReferenceSeparators(QStringLiteral("[|^\r\n]"));
+
+QString qidOption(const Args& a)
+{
+    const QString qid = a.value("qid").trimmed();
+    if (qid.isEmpty() || qid.contains(kReferenceSeparators))
+        throw UsageError{QStringLiteral("--qid needs an identity without | or ^")};
+    return qid;
+}
+
+QStringList groupsOption(const Args& a)
+{
+    QStringList labels;
+    for (const QString& part : a.value("groups").split('|')) {
+        const QString label = part.trimmed();
+        if (label.isEmpty() || label.contains(kReferenceSeparators))
+            throw UsageError{QStringLiteral("--groups needs labels \"A|B|...\", none empty or with ^")};
+        labels << label;
+    }
+    if (labels.size() > 999) // the element names carry three digits
+        throw UsageError{QStringLiteral("--groups takes at most 999 labels")};
+    return labels;
 }
 
 int cmdNew(const QStringList& argv, QTextStream& out)
@@ -273,7 +370,8 @@ void placeRankMarkers(Shapes& shapes, const QRectF& chart, int count)
 
 int cmdQuestion(const QStringList& argv, QTextStream& out)
 {
-    const Args a = parse(argv, {"settings", "answers", "title", "chart-area", "rank-markers", "numbers-table", "word-cloud"},
+    const Args a = parse(argv, {"settings", "answers", "title", "chart-area", "rank-markers", "numbers-table", "word-cloud",
+                                "qid", "groups"},
                          {"objects", "answers-backup"});
     need(a, 2, "question");
     if (!a.flag("settings"))
@@ -284,6 +382,8 @@ int cmdQuestion(const QStringList& argv, QTextStream& out)
         throw UsageError{QStringLiteral("--numbers-table and --objects cannot be used together")};
     const std::optional<QRectF> chartArea = rectOption(a, "chart-area");
     const std::optional<QRectF> wordCloud = rectOption(a, "word-cloud");
+    const std::optional<QString> qid = a.flag("qid") ? std::optional(qidOption(a)) : std::nullopt;
+    const std::optional<QStringList> groups = a.flag("groups") ? std::optional(groupsOption(a)) : std::nullopt;
     QFile file(a.value("settings"));
     if (!file.open(QIODevice::ReadOnly))
         throw UsageError{QStringLiteral("cannot read %1: %2").arg(file.fileName(), file.errorString())};
@@ -299,7 +399,23 @@ int cmdQuestion(const QStringList& argv, QTextStream& out)
     const QRectF chart = chartArea.value_or(
         QRectF(page.SlideWidth * 0.52, page.SlideHeight * 0.25, page.SlideWidth * 0.43, page.SlideHeight * 0.65));
 
-    SaveSettingsToSlide(host, slide.SlideIndex(), QString::fromUtf8(xmlBytes));
+    SettingsDocument stored;
+    if (!stored.loadXML(QString::fromUtf8(xmlBytes)))
+        throw UsageError{QStringLiteral("%1: %2").arg(file.fileName(), stored.parseError().reason)};
+    // A question made again keeps its identity, from the file or else from the slide, so
+    // that reshows naming it still find it.
+    QString identity = qid.value_or(settingsText(stored.doc(), "QID"));
+    if (identity.isEmpty()) {
+        SettingsDocument before;
+        if (before.loadXML(slide.GetTags()->Item("tlxVote")))
+            identity = settingsText(before.doc(), "QID");
+    }
+    if (identity.isEmpty())
+        identity = QUuid::createUuid().toString(QUuid::WithoutBraces);
+    setQuestionIdentity(stored.doc(), identity);
+    if (groups)
+        setGroupLabels(stored.doc(), *groups);
+    SaveSettingsToSlide(host, slide.SlideIndex(), stored.xml());
 
     Shapes& shapes = *slide.GetShapes();
     QString title = a.flag("title") ? a.value("title") : settingsText(settings, "Question");
