@@ -464,7 +464,7 @@ TEST_F(DeckToolTest, BadArgumentsAndBadDecksGiveOneMessage)
     }
     EXPECT_EQ(readFile(deck), good);
     EXPECT_EQ(readFile(broken), QByteArray("PK\x03\x04 this is no zip"));
-    for (const QString command : {"new", "question", "tags", "shapes", "votes", "export-csv"}) {
+    for (const QString command : {"new", "question", "tags", "shapes", "votes", "export-csv", "reshow"}) {
         EXPECT_EQ(run({command, "--help"}), 0);
         EXPECT_TRUE(out.startsWith("usage: tallix-deck " + command)) << out.toStdString();
     }
@@ -606,6 +606,105 @@ TEST_F(DeckToolTest, QuestionKeepsItsIdentityAndTakesGroupLabels)
     }
     ASSERT_EQ(run({"question", deck, "2", "--settings", settings}), 0);
     EXPECT_NE(QString(stored("2").select_node("//QID").node().child_value()), fresh);
+}
+
+class ReshowTest : public DeckToolTest {
+protected:
+    // Slide 1 asks who one is (Staff, Student), slide 2 (identity 7, which the references
+    // show in three digits) Yes or No, slide 3 has no labels, slide 4 is no question.
+    void SetUp() override
+    {
+        DeckToolTest::SetUp();
+        ASSERT_EQ(run({"new", deck, "--slides", "4"}), 0);
+        Deck d = Deck::fromFile(deck);
+        QByteArray presentation = d.package().bytes("ppt/presentation.xml");
+        ASSERT_TRUE(presentation.contains("<p:sldId id=\"257\""));
+        d.package().setBytes("ppt/presentation.xml", presentation.replace("<p:sldId id=\"257\"", "<p:sldId id=\"7\""));
+        writeFile(deck, d.toZip());
+        for (const QStringList& q : {QStringList{"1", "--qid", "who", "--groups", "Staff|Student"},
+                                     QStringList{"2", "--qid", "yn", "--groups", "Yes|No"}, QStringList{"3", "--qid", "q3"}})
+            ASSERT_EQ(run(QStringList{"question", deck} + q + QStringList{"--settings", settings}), 0) << err.toStdString();
+    }
+    pugi::xml_document reshow() { return settingsOf(json({"tags", deck, "4"}).object().value("TLXRESHOW").toString()); }
+};
+
+TEST_F(ReshowTest, WritesTheChartsFiltersAreasAndReferences)
+{
+    ASSERT_EQ(run({"reshow", deck, "4", "--chart", "3", "--where", "1=staff", "--where", "2= no ", "--area",
+                   "96,54,480,270", "--chart", "2"}),
+              0)
+        << err.toStdString();
+    EXPECT_EQ(out, "slide 4 of " + deck + " reshows 2 chart(s)\n");
+    const pugi::xml_document doc = reshow();
+    const pugi::xml_node info = doc.select_node("/tlxfile/reshow_info").node();
+    EXPECT_EQ(childTexts(info).mid(0, 3), (QStringList{"rshFilterType=0", "reshowOnOneChart=False", "ShowLabels=False"}));
+    const pugi::xml_node refs = info.child("Question_References").first_child();
+    EXPECT_EQ(refs.type(), pugi::node_cdata);
+    EXPECT_EQ(QString(refs.value()), "256|who|^Staff^Student^\n007|yn|^Yes^No^\n258|q3|^^");
+    // The filters name the labels as the slides spell them; the area is in slide fractions.
+    EXPECT_EQ(childTexts(doc.select_node("/tlxfile/reshow_graphs").node()),
+              (QStringList{"QNSLIDE001=258|q3", "GROUPS001=^256:Staff^7:No^", "LEFT001=0.1", "TOP001=0.1", "WIDTH001=0.5",
+                           "HEIGHT001=0.5", "QNSLIDE002=7|yn", "GROUPS002="}));
+
+    for (const auto& [flag, type, labels] : {std::tuple{"--any", "1", "False"}, std::tuple{"--labels", "0", "True"}}) {
+        ASSERT_EQ(run({"reshow", deck, "4", "--chart", "1", flag}), 0) << err.toStdString();
+        const pugi::xml_document again = reshow();
+        EXPECT_STREQ(again.select_node("//rshFilterType").node().child_value(), type) << flag;
+        EXPECT_STREQ(again.select_node("//ShowLabels").node().child_value(), labels) << flag;
+    }
+}
+
+TEST_F(ReshowTest, RefusesWithoutWritingAnything)
+{
+    const QByteArray before = readFile(deck);
+    const QList<std::pair<QStringList, QString>> cases{
+        {{"5", "--chart", "1"}, "no slide 5"},
+        {{"4"}, "--chart SLIDE is required"},
+        {{"4", "--chart", "4"}, "--chart: slide 4 is not a question slide"},
+        {{"4", "--chart", "1", "--where", "4=Staff"}, "--where: slide 4 is not a question slide"},
+        {{"4", "--chart", "1", "--where", "2=Staff"}, "slide 2 has no label \"Staff\""},
+        {{"4", "--chart", "1", "--where", "3=Staff"}, "slide 3 has no label \"Staff\" (it has: none)"},
+        {{"4", "--chart", "1", "--where", "1"}, "--where needs SLIDE=LABEL"},
+        {{"4", "--where", "1=Staff", "--chart", "1"}, "--where belongs to a --chart"},
+        {{"4", "--area", "1,2,3,4", "--chart", "1"}, "--area belongs to a --chart"},
+        {{"4", "--chart", "1", "--area", "1,2,0,4"}, "--area needs L,T,W,H"},
+        {{"4", "--chart", "1", "--area", "1,2,3,4", "--area", "1,2,3,4"}, "one --area"},
+        // A later chart's fault stops the earlier ones too.
+        {{"4", "--chart", "1", "--chart", "2", "--where", "1=Nobody"}, "no label \"Nobody\""},
+    };
+    for (const auto& [args, message] : cases) {
+        SCOPED_TRACE(args.join(' ').toStdString());
+        EXPECT_EQ(run(QStringList{"reshow", deck} + args), 2);
+        EXPECT_TRUE(err.contains(message)) << err.toStdString();
+    }
+    EXPECT_EQ(readFile(deck), before);
+}
+
+TEST_F(DeckToolTest, AComparisonDeckIsBuiltFromScratch)
+{
+    // As the documentation builds it.
+    for (const QStringList& args : QList<QStringList>{
+             {"new", deck, "--slides", "4"},
+             {"question", deck, "1", "--settings", settings, "--answers", "Staff|Student", "--groups", "Staff|Student"},
+             {"question", deck, "2", "--settings", settings, "--answers", "North|South", "--groups", "North|South"},
+             {"question", deck, "3", "--settings", settings, "--answers", "Good|Bad"},
+             {"reshow", deck, "4", "--chart", "3", "--where", "1=Staff", "--area", "20,100,440,400", "--chart", "3",
+              "--where", "1=Student", "--area", "500,100,440,400", "--labels"}})
+        ASSERT_EQ(run(args), 0) << args.join(' ').toStdString() << ": " << err.toStdString();
+
+    PptxHost host(deck);
+    Slides& slides = *host.ActivePresentation()->GetSlides();
+    QStringList refs;
+    for (int n = 1; n <= 3; ++n)
+        refs << QString::number(slides.Item(n)->SlideID()) + "|" +
+                    settingsOf(slides.Item(n)->GetTags()->Item("tlxVote")).select_node("//QID").node().child_value();
+    const pugi::xml_document doc = settingsOf(slides.Item(4)->GetTags()->Item("TLXRESHOW"));
+    EXPECT_EQ(QString(doc.select_node("//Question_References").node().child_value()),
+              refs[0] + "|^Staff^Student^\n" + refs[1] + "|^North^South^\n" + refs[2] + "|^^");
+    const QString who = refs[0].section('|', 0, 0);
+    EXPECT_EQ(childTexts(doc.select_node("//reshow_graphs").node()).filter(QRegularExpression("^(QNSLIDE|GROUPS|LEFT)")),
+              (QStringList{"QNSLIDE001=" + refs[2], "GROUPS001=^" + who + ":Staff^", "LEFT001=0.0208333333333333",
+                           "QNSLIDE002=" + refs[2], "GROUPS002=^" + who + ":Student^", "LEFT002=0.520833333333333"}));
 }
 
 } // namespace

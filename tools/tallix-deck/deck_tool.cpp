@@ -15,6 +15,7 @@
 #include <QJsonObject>
 #include <QRegularExpression>
 #include <QUuid>
+#include <algorithm>
 #include <cstring>
 #include <functional>
 #include <optional>
@@ -40,6 +41,8 @@ const char* const kMainHelp =
     "           [--chart-area L,T,W,H] [--objects] [--rank-markers N] [--numbers-table N]\n"
     "           [--answers-backup] [--word-cloud L,T,W,H] [--qid ID] [--groups \"A|B\"]\n"
     "                                   make a slide a question slide\n"
+    "  reshow DECK.pptx SLIDE --chart Q [--where S=LABEL]... [--area L,T,W,H] [--chart Q2 ...]...\n"
+    "         [--any] [--labels]        show stored results of earlier questions again\n"
     "  tags DECK.pptx [SLIDE] [--set NAME=VALUE] [--delete NAME] [--json]\n"
     "  shapes DECK.pptx SLIDE [--json]\n"
     "  votes DECK.pptx SLIDE [--json]\n"
@@ -72,6 +75,15 @@ const QMap<QString, QString> kHelp{
                  "                   it the settings file's QID, else the slide's, else a new one\n"
                  "--groups \"A|B\"    the labels a reshow can filter by, as group_info (replacing any)\n"
                  "Each option replaces the shapes it made before.\n"},
+    {"reshow", "usage: tallix-deck reshow DECK.pptx SLIDE --chart Q [--where S=LABEL]... [--area L,T,W,H]\n"
+               "                          [--chart Q2 [--where S=LABEL]... [--area L,T,W,H]]... [--any] [--labels]\n"
+               "Stores in the tag TLXRESHOW of SLIDE a reshow: one chart per --chart, each showing\n"
+               "the stored result of question slide Q again.\n"
+               "--where S=LABEL    counts only the keypads that answered LABEL (one of its --groups)\n"
+               "                   on question slide S; belongs to the --chart before it\n"
+               "--area L,T,W,H     where that chart goes, in points; kept as fractions of the slide\n"
+               "--any              a keypad counts when it meets any --where of its chart, not all\n"
+               "--labels           titles each chart with its question and its filter\n"},
     {"tags", "usage: tallix-deck tags DECK.pptx [SLIDE] [--set NAME=VALUE]... [--delete NAME]... [--json]\n"
              "Changes and lists the tags of the presentation, or of slide SLIDE.\n"},
     {"shapes", "usage: tallix-deck shapes DECK.pptx SLIDE [--json]\n"
@@ -93,6 +105,8 @@ const QMap<QString, QString> kHelp{
 struct Args {
     QStringList positional;
     QMultiMap<QString, QString> options;
+    // The options as given, for commands where an option belongs to the one before it.
+    QList<std::pair<QString, QString>> ordered;
     bool flag(const QString& name) const { return options.contains(name); }
     QString value(const QString& name) const { return options.value(name); }
 };
@@ -113,7 +127,8 @@ Args parse(const QStringList& args, const QStringList& withValue, const QStringL
             name = name.left(eq);
         }
         if (flags.contains(name)) {
-            out.options.insert(name, QString());
+            value.clear();
+            out.options.insert(name, value);
         } else if (withValue.contains(name)) {
             if (eq < 0) {
                 if (i + 1 >= args.size())
@@ -124,6 +139,7 @@ Args parse(const QStringList& args, const QStringList& withValue, const QStringL
         } else {
             throw UsageError{QStringLiteral("unknown option --%1").arg(name)};
         }
+        out.ordered.append({name, value});
     }
     return out;
 }
@@ -324,12 +340,10 @@ Shape* placeNumbersTable(Shapes& shapes, const QRectF& place, int templates)
     return t;
 }
 
-// An option's L,T,W,H in points; none when the option is not given.
-std::optional<QRectF> rectOption(const Args& a, const QString& option)
+// L,T,W,H in points, as an option gives it.
+QRectF parseRect(const QString& text, const QString& option)
 {
-    if (!a.flag(option))
-        return std::nullopt;
-    const QStringList parts = a.value(option).split(',');
+    const QStringList parts = text.split(',');
     QList<double> v;
     for (const QString& p : parts) {
         bool ok = false;
@@ -340,6 +354,14 @@ std::optional<QRectF> rectOption(const Args& a, const QString& option)
     if (v.size() != 4 || parts.size() != 4 || v[2] <= 0 || v[3] <= 0)
         throw UsageError{QStringLiteral("--%1 needs L,T,W,H in points").arg(option)};
     return QRectF(v[0], v[1], v[2], v[3]);
+}
+
+// An option's L,T,W,H in points; none when the option is not given.
+std::optional<QRectF> rectOption(const Args& a, const QString& option)
+{
+    if (!a.flag(option))
+        return std::nullopt;
+    return parseRect(a.value(option), option);
 }
 
 // A number option from 1 to `max`; 0 when the option is not given.
@@ -653,6 +675,131 @@ int cmdVotes(const QStringList& argv, QTextStream& out)
     return 0;
 }
 
+// What a reshow needs of a question slide: its identity in the deck, its QID and the
+// labels a filter can name, in number order.
+struct QuestionRef {
+    long id = 0;
+    QString qid;
+    QStringList labels;
+};
+
+std::optional<QuestionRef> questionOf(Slide& slide)
+{
+    const QString xml = slide.GetTags()->Item("tlxVote");
+    if (xml.isEmpty())
+        return std::nullopt;
+    QuestionRef q{slide.SlideID(), {}, {}};
+    SettingsDocument d;
+    if (!d.loadXML(xml))
+        return q; // still a question slide, one that names nothing
+    q.qid = settingsText(d.doc(), "QID");
+    const pugi::xml_node info =
+        d.doc().find_node([](pugi::xml_node c) { return c.type() == pugi::node_element && !strcmp(c.name(), "group_info"); });
+    QMap<int, QString> byNumber;
+    static const QRegularExpression option(QStringLiteral("^GroupOption(\\d+)$"), QRegularExpression::CaseInsensitiveOption);
+    for (pugi::xml_node c = info.first_child(); c; c = c.next_sibling())
+        if (const QRegularExpressionMatch m = option.match(U(c.name())); m.hasMatch())
+            byNumber.insert(m.captured(1).toInt(), NodeText(c));
+    q.labels = byNumber.values();
+    return q;
+}
+
+int cmdReshow(const QStringList& argv, QTextStream& out)
+{
+    const Args a = parse(argv, {"chart", "where", "area"}, {"any", "labels"});
+    need(a, 2, "reshow");
+    // Each --where and --area belongs to the --chart before it.
+    struct Chart {
+        QString slide;
+        QStringList where;
+        std::optional<QRectF> area;
+    };
+    QList<Chart> charts;
+    for (const auto& [name, value] : a.ordered) {
+        if (name == "chart") {
+            charts.append({value, {}, std::nullopt});
+            continue;
+        }
+        if (name != "where" && name != "area")
+            continue;
+        if (charts.isEmpty())
+            throw UsageError{QStringLiteral("--%1 belongs to a --chart and comes after it").arg(name)};
+        if (name == "where") {
+            if (value.indexOf('=') <= 0)
+                throw UsageError{QStringLiteral("--where needs SLIDE=LABEL")};
+            charts.last().where << value;
+        } else {
+            if (charts.last().area)
+                throw UsageError{QStringLiteral("a chart takes one --area")};
+            charts.last().area = parseRect(value, "area");
+        }
+    }
+    if (charts.isEmpty())
+        throw UsageError{QStringLiteral("--chart SLIDE is required")};
+    if (charts.size() > 999) // the element names carry three digits
+        throw UsageError{QStringLiteral("a reshow takes at most 999 charts")};
+
+    PptxHost host(a.positional[0]);
+    Presentation& pres = *host.ActivePresentation();
+    Slides& slides = *pres.GetSlides();
+    Slide& slide = *slides.Item(slideNumber(a.positional[1], pres));
+    const auto question = [&](const QString& number, const QString& option) {
+        const int n = slideNumber(number, pres);
+        const std::optional<QuestionRef> q = questionOf(*slides.Item(n));
+        if (!q)
+            throw UsageError{QStringLiteral("--%1: slide %2 is not a question slide").arg(option).arg(n)};
+        return *q;
+    };
+
+    SettingsDocument document;
+    pugi::xml_node root = document.doc().append_child("tlxfile");
+    pugi::xml_node info = root.append_child("reshow_info");
+    addText(info, "rshFilterType", a.flag("any") ? "1" : "0");
+    addText(info, "reshowOnOneChart", "False");
+    addText(info, "ShowLabels", a.flag("labels") ? "True" : "False");
+    QStringList references;
+    for (int i = 1; i <= slides.Count(); ++i)
+        if (const std::optional<QuestionRef> q = questionOf(*slides.Item(i)))
+            references << threeDigits(q->id) + '|' + q->qid + "|^" + q->labels.join('^') + '^';
+    info.append_child("Question_References").append_child(pugi::node_cdata).set_value(S(references.join('\n')).c_str());
+
+    pugi::xml_node graphs = root.append_child("reshow_graphs");
+    const PageSetup page = pres.GetPageSetup();
+    for (int c = 0; c < charts.size(); ++c) {
+        const QString nnn = threeDigits(c + 1);
+        const QuestionRef shown = question(charts[c].slide, "chart");
+        addText(graphs, "QNSLIDE" + nnn, QString::number(shown.id) + '|' + shown.qid);
+        QStringList parts;
+        for (const QString& where : charts[c].where) {
+            const int eq = int(where.indexOf('='));
+            const QuestionRef by = question(where.left(eq), "where");
+            const QString wanted = where.mid(eq + 1).trimmed();
+            // Written as the slide spells it, whichever way it was typed.
+            const auto label = std::find_if(by.labels.cbegin(), by.labels.cend(), [&](const QString& l) {
+                return l.trimmed().compare(wanted, Qt::CaseInsensitive) == 0;
+            });
+            if (label == by.labels.cend())
+                throw UsageError{QStringLiteral("--where: slide %1 has no label \"%2\" (it has: %3)")
+                                     .arg(where.left(eq), wanted, by.labels.isEmpty() ? "none" : by.labels.join(", "))};
+            parts << QString::number(by.id) + ':' + *label;
+        }
+        addText(graphs, "GROUPS" + nnn, parts.isEmpty() ? QString() : '^' + parts.join('^') + '^');
+        if (const std::optional<QRectF>& area = charts[c].area) {
+            // Fractions of the slide, so that the chart keeps its place on any slide size.
+            const auto fraction = [](double v) { return QString::number(v, 'g', 15); };
+            addText(graphs, "LEFT" + nnn, fraction(area->left() / page.SlideWidth));
+            addText(graphs, "TOP" + nnn, fraction(area->top() / page.SlideHeight));
+            addText(graphs, "WIDTH" + nnn, fraction(area->width() / page.SlideWidth));
+            addText(graphs, "HEIGHT" + nnn, fraction(area->height() / page.SlideHeight));
+        }
+    }
+    slide.GetTags()->Add("TLXRESHOW", document.xml());
+    if (!host.Commit())
+        throw UsageError{QStringLiteral("%1 is locked by another process; nothing written").arg(a.positional[0])};
+    out << "slide " << slide.SlideIndex() << " of " << a.positional[0] << " reshows " << charts.size() << " chart(s)\n";
+    return 0;
+}
+
 QString csvField(const QString& s)
 {
     if (!s.contains(QRegularExpression("[\",\r\n]")))
@@ -769,6 +916,7 @@ int RunDeckTool(const QStringList& args, QTextStream& out, QTextStream& err)
         if (command == "shapes") return cmdShapes(rest, out);
         if (command == "votes") return cmdVotes(rest, out);
         if (command == "default-group") return cmdDefaultGroup(rest, out);
+        if (command == "reshow") return cmdReshow(rest, out);
         return cmdExportCsv(rest, out);
     } catch (const UsageError& e) {
         err << "tallix-deck " << command << ": " << e.text << '\n';
