@@ -13,6 +13,8 @@ namespace tallix::testing {
 
 class VoteProgramTest : public ProgramTest {
 protected:
+    explicit VoteProgramTest(int slides = 3) : ProgramTest(slides) {}
+
     void startController(const QByteArray& script = {})
     {
         ASSERT_TRUE(box.startController(controller, {"--log", dir.filePath("controller.log"), "--script",
