@@ -170,3 +170,21 @@ TEST_F(ReshowTest, AReshownQuestionKeepsWhatALiveVoteWouldChange)
 }
 
 } // namespace
+
+namespace {
+
+TEST_F(ReshowTest, AFilterOnASlideWithoutResultsSaysSoAndEnds)
+{
+    int exits = 0;
+    ctx.terminator = [&](int code) {
+        ++exits;
+        throw ProcessExit{code};
+    };
+    slide(3)->GetTags()->Delete("TLXVOTES");
+    EXPECT_THROW(createFilter(ctx, "^258:Yes^"), ProcessExit);
+    EXPECT_EQ(exits, 1);
+    ASSERT_FALSE(run.t.dialogs.shown.empty());
+    EXPECT_EQ(run.t.dialogs.shown.back().text, "Could not find results for groups slide 3");
+}
+
+} // namespace
