@@ -56,6 +56,30 @@ void SetReshowVarsFromXML(RunContext& ctx)
             else if (k == "ShowLabels")
                 ctx.ShowLabels = CBool(v);
         });
+        // The look of a reshow's legend; its entries name each chart's filter.
+        ReadSettingsSection(ctx, "legend_info", [&](const QString& k, const QString& v) {
+            if (ctx.Legends.ubound() < 0)
+                ctx.Legends.redim(0);
+            LegendRecord& l = ctx.Legends(0);
+            if (k == "Alignment")
+                l.Alignment = CInt(v);
+            else if (k == "Bold")
+                l.Bold = CBool(v);
+            else if (k == "Colour")
+                l.Colour = CLng(v);
+            else if (k == "Italic")
+                l.Italic = CBool(v);
+            else if (k == "Name")
+                l.Name = v;
+            else if (k == "Size")
+                l.Size = CInt(v);
+            else if (k == "StrikeThrough")
+                l.StrikeThrough = CBool(v);
+            else if (k == "Underline")
+                l.Underline = CBool(v);
+            else if (k == "Outline")
+                l.HidePen = !CBool(v);
+        });
         // The references keep their line breaks, which the listing form would lose.
         ctx.questionReferences =
             NodeText(settingsDocOf(ctx).doc().select_node("//reshow_info/Question_References").node());

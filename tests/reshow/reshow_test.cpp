@@ -134,6 +134,7 @@ TEST_F(ReshowTest, ChartsAreNumberedFromOneAndGapsStayEmpty)
     settingsDocOf(ctx).loadXML(
         "<tlxfile><reshow_info><rshFilterType>1</rshFilterType><ShowLabels>True</ShowLabels>"
         "<Question_References><![CDATA[257|g1|^Staff^\n258|q3|^Yes^]]></Question_References></reshow_info>"
+        "<legend_info><Name>DejaVu Serif</Name><Size>14</Size><Bold>True</Bold><Outline>False</Outline></legend_info>"
         "<reshow_graphs><QNSLIDE001>258|q3</QNSLIDE001><GROUPS001>^257:Staff^</GROUPS001><LEFT001>0.1</LEFT001>"
         "<QNSLIDE003>257|g1</QNSLIDE003></reshow_graphs></tlxfile>");
     SetReshowVarsFromXML(ctx);
@@ -147,6 +148,21 @@ TEST_F(ReshowTest, ChartsAreNumberedFromOneAndGapsStayEmpty)
     EXPECT_TRUE(ctx.ShowLabels);
     EXPECT_EQ(ctx.questionReferences, "257|g1|^Staff^\n258|q3|^Yes^");
     EXPECT_EQ(ResolveReshowReference(ctx, ctx.vArea(2).questionSlideRef), "xxx");
+    ASSERT_EQ(ctx.Legends.ubound(), 0);
+    EXPECT_EQ(ctx.Legends(0).Name, "DejaVu Serif");
+    EXPECT_EQ(ctx.Legends(0).Size, 14);
+    EXPECT_TRUE(ctx.Legends(0).Bold);
+    EXPECT_TRUE(ctx.Legends(0).HidePen);
+}
+
+TEST_F(ReshowTest, TheSlideListReadsDocumentsWithOrWithoutLineBreaks)
+{
+    slide(1)->GetTags()->Add("tlxVote", "<tlxfile>\r\n<file_info><QID>z</QID></file_info>\r\n<group_info>\r\n"
+                                        "  <GroupOption001>A</GroupOption001>\r\n  <GroupOption002>B</GroupOption002>\r\n"
+                                        "</group_info>\r\n</tlxfile>\r\n");
+    slide(4)->GetTags()->Add("tlxVote", "<tlxfile><unclosed>");   // does not read: left out
+    GetSlideInfo(ctx);
+    EXPECT_EQ(ctx.slideList, QStringList({"256|z|^A^B^", "257|g1|^Staff^Student^", "258|q3|^Yes^No^"}));
 }
 
 TEST_F(ReshowTest, AReshownQuestionKeepsWhatALiveVoteWouldChange)
