@@ -44,6 +44,9 @@ QStringList groupLabels(const pugi::xml_node& groupInfo)
 void SetReshowVarsFromXML(RunContext& ctx)
 {
     Guarded(ctx, kModule, "SetReshowVarsFromXML", true, [&] {
+        // A document that failed to load is gone; nothing here makes it anew.
+        if (!ctx.settingsDoc)
+            return;
         ReadSettingsSection(ctx, "file_info", [&](const QString& k, const QString& v) {
             if (k == "AutoStart")
                 ctx.AutoStart = CBool(v);
@@ -82,7 +85,7 @@ void SetReshowVarsFromXML(RunContext& ctx)
         });
         // The references keep their line breaks, which the listing form would lose.
         ctx.questionReferences =
-            NodeText(settingsDocOf(ctx).doc().select_node("//reshow_info/Question_References").node());
+            NodeText(ctx.settingsDoc->doc().select_node("//reshow_info/Question_References").node());
         const QString title = XMLGetNodes(ctx, "title_info");
         ctx.reshowTitle = title.contains(u'|') ? title.mid(title.indexOf(u'|') + 1) : QString();
         int charts = 0;
