@@ -4,7 +4,9 @@
 #include "vote_program_fixture.h"
 #include "support/qt_print.h"
 
+#include <QProcess>
 #include <QRectF>
+#include <QRegularExpression>
 
 #include <gtest/gtest.h>
 
@@ -42,6 +44,31 @@ protected:
         return {s.value("left").toDouble(), s.value("top").toDouble(), s.value("width").toDouble(),
                 s.value("height").toDouble()};
     }
+    // The picture behind a shape of the reshow slide, as the deck holds it.
+    QByteArray pictureOf(const QString& shapeName)
+    {
+        auto unzip = [&](const QString& part) {
+            QProcess p;
+            p.start("unzip", {"-p", deck(), part});
+            p.waitForFinished(10000);
+            return QString::fromUtf8(p.readAllStandardOutput());
+        };
+        const QString slide = unzip("ppt/slides/slide4.xml");
+        const qsizetype at = slide.indexOf("name=\"" + shapeName + "\"");
+        const QString rid = QRegularExpression("r:embed=\"([^\"]+)\"").match(slide, at).captured(1);
+        const QString rels = unzip("ppt/slides/_rels/slide4.xml.rels");
+        const QString target =
+            QRegularExpression("Id=\"" + rid + "\"[^>]*Target=\"../([^\"]+)\"").match(rels).captured(1);
+        QProcess p;
+        p.start("unzip", {"-p", deck(), "ppt/" + target});
+        p.waitForFinished(10000);
+        return p.readAllStandardOutput();
+    }
+    static bool holdsText(const QByteArray& picture, const QString& text)
+    {
+        // The metafile keeps its text as UTF-16.
+        return picture.contains(QByteArray(reinterpret_cast<const char*>(text.utf16()), text.size() * 2));
+    }
     void expectNothingElseChanged()
     {
         EXPECT_EQ(tags(2).value("TLXVOTES").toString(), kWho);
@@ -73,6 +100,9 @@ TEST_F(ReshowProgram, EachChartLandsInItsAreaUnderItsFilter)
             EXPECT_NEAR(got, want, 1.0) << n;
     }
     EXPECT_TRUE(shapeNamed(list, "tallix chart").isEmpty());
+    // Each titled with its question and its filter's answer.
+    EXPECT_TRUE(holdsText(pictureOf("reshow 1 tallix chart"), "How do you come in?: Staff"));
+    EXPECT_TRUE(holdsText(pictureOf("reshow 2 tallix chart"), "How do you come in?: Student"));
     const QStringList slideList = tags().value("TLX_SLIDEINFO").toString().split("\r\n");
     EXPECT_EQ(slideList.size(), 3);   // the two questions and the time it was made
     EXPECT_TRUE(voteEnd().startsWith("End of Reshow"));

@@ -204,3 +204,28 @@ TEST_F(ReshowTest, AFilterOnASlideWithoutResultsSaysSoAndEnds)
 }
 
 } // namespace
+
+namespace {
+
+TEST_F(ReshowTest, AChartsAreaComesFromTheLastShowingOrItsPlaceholder)
+{
+    ctx.makeMode = true;   // no show runs in this deck
+    host::Shapes* shapes = slide(4)->GetShapes();
+    const host::PageSetup page = ctx.oPres->GetPageSetup();
+    shapes->AddShape(1, 0.1 * page.SlideWidth, 0.2 * page.SlideHeight, 0.3 * page.SlideWidth, 0.4 * page.SlideHeight)
+        ->SetName("reshow 1 tallix chart");
+    shapes->AddShape(1, 0.5 * page.SlideWidth, 0.2 * page.SlideHeight, 0.4 * page.SlideWidth, 0.5 * page.SlideHeight)
+        ->SetName("tallix chart 2 sample");
+    host::Shape* hidden = shapes->AddShape(1, 0, 0, 10, 10);
+    hidden->SetName("reshow 3 tallix chart");
+    hidden->SetVisible(false);   // a hidden chart of an earlier showing says nothing
+    ctx.vArea.redim(3);
+    SetVareaFromSlide(ctx);
+    EXPECT_NEAR(ctx.vArea(1).Left, 0.1, 1e-3);
+    EXPECT_NEAR(ctx.vArea(1).Height, 0.4, 1e-3);
+    EXPECT_NEAR(ctx.vArea(2).Left, 0.5, 1e-3);
+    EXPECT_NEAR(ctx.vArea(2).Width, 0.4, 1e-3);
+    EXPECT_EQ(ctx.vArea(3).Width, 0);
+}
+
+} // namespace
