@@ -75,9 +75,11 @@ void LoadRandomTexts(RunContext& ctx)
     ctx.rndTextsLoaded = true;
     QFile f(JoinPath(ctx.env.perUserBase(), "\\tallix\\rndTextVotes.txt"));
     if (f.open(QIODevice::ReadOnly)) {
-        // One answer a line, whatever line ends the file was written with.
-        ctx.rndTextList = DecodeUserText(f.readAll()).split(QRegularExpression("\r\n|\r|\n"));
-        ctx.rndTextList.removeAll(QString());
+        // One answer a line, ended by CR LF or LF; the last line's break adds no answer, and an
+        // empty file is one empty answer.
+        ctx.rndTextList = DecodeUserText(f.readAll()).split(QRegularExpression("\r?\n"));
+        if (ctx.rndTextList.size() > 1 && ctx.rndTextList.last().isEmpty())
+            ctx.rndTextList.removeLast();
     }
     if (ctx.rndTextList.isEmpty()) {
         for (int i = 1; i <= 10; ++i)
